@@ -1,0 +1,31 @@
+# The two everyday commands: `make run` (the command line on the bundled
+# sample project) and `make test`. Both install what is missing first.
+PRESET ?= dev
+BUILD := build/$(PRESET)
+
+.PHONY: setup configure build run test test-asan bench clean
+
+setup:
+	@scripts/setup.sh
+
+configure: setup
+	@test -f $(BUILD)/build.ninja || cmake --preset $(PRESET) >/dev/null
+
+build: configure
+	cmake --build --preset $(PRESET)
+
+run: build
+	$(BUILD)/src/pipespec check --class "PC-A1-DIN"
+
+test: build
+	ctest --preset $(PRESET)
+
+test-asan:
+	$(MAKE) test PRESET=asan
+
+bench:
+	$(MAKE) build PRESET=release
+	build/release/bench/pipespec_bench
+
+clean:
+	rm -rf build
