@@ -1,0 +1,50 @@
+#pragma once
+
+// The module AddToPipeClass: plain procedures with module-level state that
+// decide whether an object may become an element of a pipe class and build
+// the element. No procedure lets a failure escape: each reports it through
+// the error tail and leaves, so callers test results for emptiness.
+
+#include "objectmodel/ObjectModel.h"
+#include "objectmodel/Services.h"
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+namespace pipespec::addtopipeclass {
+
+using ObjectMap = KeyedMap<ObjectRef>;
+
+// One copy for the process. The maps are empty (not made) until the first
+// cascade, and keep their contents from one cascade to the next reset.
+struct ModuleState {
+    // Source objects already turned into elements in this cascade, by SystemFullName.
+    std::shared_ptr<ObjectMap> m_CreatedObjects;
+    // Elements made in this cascade, by SystemFullName; what CreatedObjects gives.
+    std::shared_ptr<ObjectMap> m_CreatedPipeSpecElem;
+    // True only while AfterAddToPipeSpec runs its creation call.
+    bool AfterAddRunning = false;
+};
+
+ModuleState& moduleState();
+
+// The elements made by the last creation cascade (may be empty).
+std::shared_ptr<const ObjectMap> CreatedObjects();
+
+// A pipe class is an object whose function code lies in 10000..10008.
+// VFCD receives the code read, 0 if there is none. A code too large for 32
+// bits is an error of the caller's procedure: this accessor has no tail.
+bool IsPipeClass(const ObjectRef& object, std::int32_t& VFCD);
+bool IsPipeClass(const ObjectRef& object);
+
+// May CDevObject become an element of mPipeClass? Every refusal stands in the
+// trace with its own words; the user sees none of them here.
+bool CheckValid(const DeviceRef& CDevObject, const DeviceRef& mPipeClass, bool UseElementCheck,
+                Variant& checkResult, IElementFilter* IElementCheck);
+
+// The child of a catalogue object whose name pattern ("123XX") matches a
+// five-digit function code; empty for pipe-class codes.
+DeviceRef MapCDeviceToXXX(const DeviceRef& CDevice, std::string_view code);
+
+}  // namespace pipespec::addtopipeclass
