@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace pipespec::addtopipeclass {
@@ -25,6 +26,9 @@ struct ModuleState {
     std::shared_ptr<ObjectMap> m_CreatedPipeSpecElem;
     // True only while AfterAddToPipeSpec runs its creation call.
     bool AfterAddRunning = false;
+    // The norm-dimension object, chosen for the first chapter that asked and
+    // kept for every later one while the process runs.
+    DeviceRef NormDimensionObject;
 };
 
 ModuleState& moduleState();
@@ -46,5 +50,32 @@ bool CheckValid(const DeviceRef& CDevObject, const DeviceRef& mPipeClass, bool U
 // The child of a catalogue object whose name pattern ("123XX") matches a
 // five-digit function code; empty for pipe-class codes.
 DeviceRef MapCDeviceToXXX(const DeviceRef& CDevice, std::string_view code);
+
+// The object whose chapters an element inherits: the catalogue owner of
+// ordinary or of bolting components, or the pipe class when none is found.
+void InitCatalogOwner(DeviceRef& CatalogOwner, const DeviceRef& element, const DeviceRef& mPipeClass);
+
+// Fills the lower or upper attribute of an element's name-range chapter from
+// the pipe class, unless it already shows a value.
+void CalcMinMaxSpec(const SpecRef& NameRangeChapter, const std::string& SpecName, const DeviceRef& mPipeClass);
+
+// The norm-dimension attribute for the lower or upper bound, for chapters whose
+// value list differs from the pipe class's.
+SpecRef GetNormDimensionSpec(const SpecRef& NameRangeChapter, const std::string& SpecName);
+
+// Turns one object into one element of a pipe class, or gives a preset
+// element that already stands under the class its chapters and range. The
+// single road by which elements come into being; empty when nothing was made.
+DeviceRef NewPipeSpecElement(DeviceRef CDevObject, const DeviceRef& mPipeClass, bool RecursiveCall, bool ResetCreated,
+                             std::string& groupId, bool InteractiveImportObject, const DeviceRef& presetElement);
+
+// A new element from a source object, starting a new cascade.
+DeviceRef NewPipeClassElement(const DeviceRef& CDevObject, const DeviceRef& PipeClass, bool InteractiveImportObject);
+
+// Drops the pipe class's cached entry (option 64), as its elements changed.
+void DropCachedEntry(IGlobals& globals, const DeviceRef& pipeClass);
+
+// Kept as the place of the schedule check of element creation; it checks nothing.
+void CheckSchedule();
 
 }  // namespace pipespec::addtopipeclass

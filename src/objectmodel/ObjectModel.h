@@ -255,6 +255,14 @@ inline DeviceRef asDevice(const ObjectRef& o) { return std::dynamic_pointer_cast
 inline SpecRef asSpec(const ObjectRef& o) { return std::dynamic_pointer_cast<ISpecification>(o); }
 inline std::shared_ptr<IStandardTable> asTable(const ObjectRef& o) { return std::dynamic_pointer_cast<IStandardTable>(o); }
 
+// The make-persistent pattern: an object that exists only by inheritance is
+// stored before a write, where it may be. True when the object is now stored.
+inline bool makePersistent(IBaseObject& object)
+{
+    if (object.SystemTemporary() && object.CanMakePersistent()) object.MakePersistent();
+    return !object.SystemTemporary();
+}
+
 // Identity: the same database object, never a comparison of names.
 inline bool same(const ObjectRef& a, const ObjectRef& b) { return a == b; }
 

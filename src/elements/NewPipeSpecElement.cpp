@@ -1,0 +1,224 @@
+#include "elements/AddToPipeClass.h"
+
+#include "diagnostics/ErrorTail.h"
+#include "diagnostics/Messages.h"
+#include "diagnostics/Services.h"
+#include "diagnostics/Translate.h"
+#include "elements/RangeControl.h"
+#include "objectmodel/Text.h"
+#include "selectors/Chapters.h"
+
+namespace pipespec::addtopipeclass {
+
+using diagnostics::Procedure;
+using diagnostics::Trace;
+
+namespace {
+constexpr int kCacheOption = 64;
+
+std::string boolText(bool value) { return value ? "True" : "False"; }
+
+DeviceRef topOfBaseChain(DeviceRef device)
+{
+    while (const auto base = must(device).CDevice()) device = base;
+    return device;
+}
+
+// The catalogue root an element stands for: a pipe class used as an element
+// counts by its own base object, anything else by the top of its chain.
+DeviceRef rootOfElement(const DeviceRef& element)
+{
+    if (!IsPipeClass(element)) return topOfBaseChain(element);
+    const auto base = element->CDevice();
+    return base ? base : element;
+}
+
+// The first element of the class made from the same catalogue root.
+DeviceRef firstElementWithRoot(const IObjectCollection& elements, const DeviceRef& root)
+{
+    for (std::int16_t i = 1; i <= elements.Count(); i = text::Inc16(i)) {
+        const auto element = asDevice(elements.Item(i));
+        if (same(rootOfElement(element), root)) return element;
+    }
+    return nullptr;
+}
+
+bool confirmDuplicate(const DeviceRef& existing)
+{
+    auto& host = diagnostics::utilities();
+    const auto question = host.Translate(msg::ElementWithRootExists) + std::string(diagnostics::CrLf) + "\t" +
+                          existing->SystemFullName() + std::string(diagnostics::CrLf) + std::string(diagnostics::CrLf) +
+                          host.Translate(msg::AddAnyway);
+    return host.MessageBox(question, mb::YesNoExclamation, host.Translate(msg::NewPipeClassElement)) != mb::AnswerNo;
+}
+
+// Gives a new element its name-range chapter, following the catalogue owner's
+// chapter, or the pipe class's when no owner is found. Empty when the pipe
+// class has no such chapter, which is told to the user.
+SpecRef makeNameRangeChapter(const DeviceRef& element, const DeviceRef& mPipeClass, DeviceRef& CatalogOwner, Trace& trace)
+{
+    const auto& name = diagnostics::names().NameRange();
+    auto source = mPipeClass->Spec(name);
+    if (!source) {
+        auto& host = diagnostics::utilities();
+        host.MessageBox(diagnostics::FillPercent1(host.Translate(msg::SpecChapterNotFound), name), mb::OkOnly,
+                        host.Translate(msg::ErrorInPipeClassObject));
+        return nullptr;
+    }
+    InitCatalogOwner(CatalogOwner, element, mPipeClass);
+    trace.object("CatalogOwner", CatalogOwner);
+    if (CatalogOwner) source = CatalogOwner->Spec(name);
+    trace.object("CatalogNameRangeChapter", source);
+
+    const auto inCurrentProject = [&] { return must(source).Project() == must(source->Workset()).CurrentProject(); };
+    SpecRef chapter;
+    if (!inCurrentProject()) {
+        InheritInChapter(element, name, source);
+        chapter = asSpec(element->SpecsByName()->Item(name));
+    } else {
+        chapter = asSpec(element->SpecsByName()->CreateNewWithName(name));
+    }
+    must(chapter).MakePersistent();
+    source->MakePersistent();
+    if (inCurrentProject()) chapter->InheritFrom(source);
+    return chapter;
+}
+}  // namespace
+
+void DropCachedEntry(IGlobals& globals, const DeviceRef& pipeClass)
+{
+    const auto cache = globals.getOption(kCacheOption).map();
+    const auto key = must(pipeClass).Name();
+    if (!cache || !cache->Exists(key)) return;
+    cache->Remove(key);
+    globals.setoption(kCacheOption, cache);
+}
+
+DeviceRef NewPipeSpecElement(DeviceRef CDevObject, const DeviceRef& mPipeClass, bool RecursiveCall, bool ResetCreated,
+                             [[maybe_unused]] std::string& groupId, bool InteractiveImportObject,
+                             const DeviceRef& presetElement)
+{
+    DeviceRef result;
+    Trace trace(cls::AddToPipeClass, "XAddToPipeClass");
+    trace.enter();
+    Procedure(cls::AddToPipeClass, "AddToPipeClass").run([&] {
+        if (trace.enabled()) {
+            trace.object("CDevObject", CDevObject);
+            trace.object("mPipeClass", mPipeClass);
+            trace.object("NewPipeSpecElement", presetElement);
+            trace.text("RecursiveCall = " + boolText(RecursiveCall));
+            trace.text("ResetCreated = " + boolText(ResetCreated));
+            trace.text("InteractiveImportObject = " + boolText(InteractiveImportObject));
+        }
+
+        // Validity.
+        if (!presetElement) {
+            Variant checkResult;
+            if (!CheckValid(CDevObject, mPipeClass, true, checkResult, nullptr)) {
+                if (InteractiveImportObject) {
+                    auto& host = diagnostics::utilities();
+                    host.MessageBox(host.Translate(msg::ObjectNotAllowed) + " " + must(CDevObject).SystemFullName(),
+                                    mb::Exclamation, host.Translate(msg::TubrixDesigner));
+                }
+                return trace.leaveText("not valid");
+            }
+        }
+
+        // Cascade reset: both maps are always replaced together.
+        auto& state = moduleState();
+        if (!state.m_CreatedObjects || ResetCreated) {
+            trace.text("resetting m_CreatedObjects");
+            state.m_CreatedObjects = std::make_shared<ObjectMap>();
+            trace.text("resetting m_CreatedPipeSpecElem");
+            state.m_CreatedPipeSpecElem = std::make_shared<ObjectMap>();
+        }
+
+        // Source bookkeeping.
+        WorksetRef workset;
+        if (CDevObject) {
+            if (same(CDevObject, presetElement) && CDevObject->CDevice()) CDevObject = CDevObject->CDevice();
+            const auto key = CDevObject->SystemFullName();
+            if (state.m_CreatedObjects->Exists(key)) return trace.leaveText("already added");
+            trace.text("adding " + key + " to m_CreatedObjects");
+            state.m_CreatedObjects->Add(key, CDevObject);
+            workset = CDevObject->Workset();
+        } else if (mPipeClass) {
+            workset = mPipeClass->Workset();
+        } else {
+            return trace.leaveText("mPipeClass empty");
+        }
+
+        const auto elements = must(mPipeClass).Devices();
+        DeviceRef root = CDevObject;
+        if (root && !IsPipeClass(CDevObject)) root = topOfBaseChain(root);
+
+        // The duplicate question: only the first element of the same root is named.
+        if (CDevObject && !presetElement && !InteractiveImportObject && !RecursiveCall) {
+            if (const auto existing = firstElementWithRoot(*elements, root); existing && !confirmDuplicate(existing))
+                return trace.leaveText("no");
+        }
+
+        // The device.
+        DeviceRef element = presetElement;
+        if (!element) {
+            element = asDevice(elements->CreateNewWithName(elements->ItemName("001")));
+            must(element).SetCDevice(root);
+        }
+
+        // Element bookkeeping.
+        if (!state.m_CreatedPipeSpecElem) {
+            trace.text("setting m_CreatedPipeSpecElem to new Dictionary");
+            state.m_CreatedPipeSpecElem = std::make_shared<ObjectMap>();
+        }
+        const auto elementKey = element->SystemFullName();
+        if (!state.m_CreatedPipeSpecElem->Exists(elementKey)) {
+            trace.text("adding " + elementKey + " to m_CreatedPipeSpecElem");
+            state.m_CreatedPipeSpecElem->Add(elementKey, element);
+        }
+
+        // A pipe class in a pipe class gets no chapter and no range.
+        if (IsPipeClass(CDevObject)) {
+            result = element;
+            return trace.leaveText("cDevObject is a pipe class");
+        }
+
+        // The name-range chapter.
+        const auto& names = diagnostics::names();
+        DeviceRef CatalogOwner;
+        auto chapter = asSpec(element->Specs()->Item(names.NameRange()));
+        if (!chapter)
+            chapter = makeNameRangeChapter(element, mPipeClass, CatalogOwner, trace);
+        else if (chapter->SystemTemporary())
+            chapter->MakePersistent();
+        trace.object("NameRangeChapter", chapter);
+        if (chapter) trace.text("NameRangeChapter.SystemTemporary = " + boolText(chapter->SystemTemporary()));
+
+        // Minimum, then maximum.
+        if (chapter) {
+            chapter->RefreshSpecs();
+            CalcMinMaxSpec(chapter, names.NameRangeLowerAttr(), mPipeClass);
+            CalcMinMaxSpec(chapter, names.NameRangeUpperAttr(), mPipeClass);
+        }
+
+        sharedPCOMRange().InitNDRange(element, mPipeClass);
+
+        DropCachedEntry(*must(workset).Globals(), mPipeClass);
+        CheckSchedule();
+        result = element;
+        trace.leave();
+    });
+    return result;
+}
+
+DeviceRef NewPipeClassElement(const DeviceRef& CDevObject, const DeviceRef& PipeClass, bool InteractiveImportObject)
+{
+    DeviceRef result;
+    Procedure(cls::AddToPipeClass, "Function NewPipeClassElement").run([&] {
+        if (!CDevObject || !PipeClass) return;
+        std::string groupId;
+        result = NewPipeSpecElement(CDevObject, PipeClass, false, true, groupId, InteractiveImportObject, nullptr);
+    });
+    return result;
+}
+
+}  // namespace pipespec::addtopipeclass
