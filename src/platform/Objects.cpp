@@ -1,0 +1,816 @@
+#include "platform/Objects.h"
+
+#include "platform/Collections.h"
+#include "platform/Database.h"
+
+#include <cstdio>
+
+namespace pipespec::platform {
+
+namespace {
+// Splits "A.B.C" one level at a time without copying.
+std::pair<std::string_view, std::string_view> firstLevel(std::string_view name)
+{
+    const auto dot = name.find('.');
+    if (dot == std::string_view::npos) return {name, {}};
+    return {name.substr(0, dot), name.substr(dot + 1)};
+}
+
+template <class T>
+std::shared_ptr<T> self(const StoredObject& object)
+{
+    return std::static_pointer_cast<T>(std::const_pointer_cast<StoredObject>(object.shared_from_this()));
+}
+}  // namespace
+
+// ---- StoredObject ------------------------------------------------------
+
+StoredObject::StoredObject(std::string name, std::shared_ptr<StoreProject> project)
+    : name_(std::move(name)), project_(project), id_(nextUniqueNumber())
+{
+}
+
+StoredObject::StoredObject(const std::shared_ptr<StoredObject>& origin, const std::shared_ptr<StoredObject>& owner)
+    : name_(origin->name_), owner_(owner), project_(owner->project_), origin_(origin), id_(nextUniqueNumber())
+{
+}
+
+StoredObject::StoredObject(const StoredObject& other)
+    : IBaseObject(other),
+      std::enable_shared_from_this<StoredObject>(),
+      name_(other.name_),
+      description_(other.Description()),
+      xml_(other.XmlText()),
+      project_(other.project_),
+      id_(nextUniqueNumber()),
+      folder_(other.folder_)
+{
+}
+
+std::string StoredObject::Name() const { return name_; }
+
+void StoredObject::SetName(std::string_view name)
+{
+    if (name == name_) return;
+    const auto parent = owner();
+    if (parent && parent->memberNameTaken(*this, name))
+        throw PlatformError(err::NameInUse, "cannot rename " + SystemFullName() + ": the name '" + std::string(name) + "' is in use");
+    auto me = shared_from_this();
+    const auto rename = [me, parent](const std::string& from, const std::string& to) {
+        if (parent) parent->renameMember(*me, from, to);
+        me->name_ = to;
+    };
+    std::string from = name_;
+    std::string to(name);
+    write([rename, from, to] { rename(from, to); }, [rename, from, to] { rename(to, from); });
+}
+
+std::string StoredObject::Description() const { return origin_ ? origin_->Description() : description_; }
+void StoredObject::SetDescription(std::string_view text) { assign(description_, std::string(text)); }
+std::string StoredObject::XmlText() const { return origin_ ? origin_->XmlText() : xml_; }
+void StoredObject::SetXmlText(std::string_view text) { assign(xml_, std::string(text)); }
+
+WorksetRef StoredObject::Workset() const
+{
+    const auto project = storeProject();
+    return project ? project->Workset() : nullptr;
+}
+
+std::string StoredObject::UniqueId() const
+{
+    char buffer[24];
+    std::snprintf(buffer, sizeof buffer, "{%016llX}", static_cast<unsigned long long>(id_));
+    return buffer;
+}
+
+ProjectRef StoredObject::Project() const { return storeProject(); }
+
+ObjectRef StoredObject::InheritanceOrigin() const
+{
+    if (origin_) return origin_->InheritanceOrigin();
+    return std::const_pointer_cast<StoredObject>(shared_from_this());
+}
+
+bool StoredObject::CanMakePersistent() const
+{
+    if (!origin_ || readOnly_ || origin_->ReadOnly()) return false;
+    const auto project = storeProject();
+    const auto workset = project ? project->Workset() : nullptr;
+    return workset && workset->CurrentProject() == project && project->writable();
+}
+
+void StoredObject::checkWritable() const
+{
+    if (deleted_) throw PlatformError(err::Deleted, SystemFullName() + " is deleted");
+    if (origin_) throw PlatformError(err::ReadOnly, SystemFullName() + " is inherited; make it persistent before writing");
+    if (readOnly_) throw PlatformError(err::ReadOnly, SystemFullName() + " is read-only");
+    // An unowned copy is not yet in any project's care.
+    const auto project = storeProject();
+    if (project && !owner_.expired() && !project->writable())
+        throw PlatformError(err::ReadOnly, "no write access to project " + project->Name());
+}
+
+void StoredObject::write(const std::function<void()>& apply, std::function<void()> revert)
+{
+    checkWritable();
+    apply();
+    const auto project = storeProject();
+    const auto workset = project ? std::static_pointer_cast<StoreWorkset>(project->Workset()) : nullptr;
+    if (auto* undo = workset ? workset->recorder() : nullptr) undo->record(apply, std::move(revert));
+}
+
+void StoredObject::persistOwner()
+{
+    const auto parent = owner();
+    if (parent && parent->SystemTemporary()) parent->MakePersistent();
+}
+
+std::string StoredObject::ownerPath() const
+{
+    const auto parent = owner();
+    return parent ? parent->SystemFullName() : std::string();
+}
+
+void StoredObject::attachTo(const std::shared_ptr<StoredObject>& owner, const std::shared_ptr<StoreProject>& project)
+{
+    owner_ = owner;
+    project_ = project;
+}
+
+void StoredObject::detach() { owner_.reset(); }
+
+void StoredObject::markDeleted(bool deleted) { deleted_ = deleted; }
+
+int StoredObject::Delete()
+{
+    checkWritable();
+    const auto parent = owner();
+    if (!parent) throw PlatformError(err::InvalidCall, SystemFullName() + " is not in the database");
+    auto me = shared_from_this();
+    const auto remove = [me, parent] {
+        parent->removeMember(*me);
+        me->markDeleted(true);
+    };
+    // Undo puts the object back where it stood.
+    std::size_t at = 0;
+    if (auto* device = dynamic_cast<Device*>(parent.get()); device && dynamic_cast<Device*>(this))
+        at = device->ownChildren().position(static_cast<const Device&>(*this));
+    else if (auto* holder = dynamic_cast<SpecHolder*>(parent.get()); holder && dynamic_cast<Specification*>(this))
+        at = holder->ownSpecs().position(static_cast<const Specification&>(*this));
+    const auto restore = [me, parent, at] {
+        me->markDeleted(false);
+        if (auto device = std::dynamic_pointer_cast<Device>(parent)) {
+            if (auto child = std::dynamic_pointer_cast<Device>(me)) device->addChild(child, at);
+        }
+        if (auto holder = std::dynamic_pointer_cast<SpecHolder>(parent)) {
+            if (auto spec = std::dynamic_pointer_cast<Specification>(me)) holder->addSpec(spec, at);
+        }
+    };
+    write(remove, restore);
+    return 0;
+}
+
+// ---- SpecHolder --------------------------------------------------------
+
+SpecHolder::SpecHolder(const SpecHolder& other) : IBaseObject(other), StoredObject(other)
+{
+    // A copy holds what the original shows, inherited attributes included.
+    for (const auto& spec : other.allSpecs()) specs_.append(std::dynamic_pointer_cast<Specification>(spec->Copy()));
+}
+
+bool SpecHolder::inheritsFrom(const SpecHolder& target) const
+{
+    for (const auto& source : inheritanceSources())
+        if (source.get() == &target || source->inheritsFrom(target)) return true;
+    return false;
+}
+
+bool SpecHolder::memberNameTaken(const StoredObject& member, std::string_view name) const
+{
+    return dynamic_cast<const Specification*>(&member) && specs_.contains(name);
+}
+
+void SpecHolder::renameMember(const StoredObject& member, const std::string& from, const std::string& to)
+{
+    if (dynamic_cast<const Specification*>(&member)) specs_.rename(from, to);
+}
+
+void SpecHolder::attachTo(const std::shared_ptr<StoredObject>& owner, const std::shared_ptr<StoreProject>& project)
+{
+    StoredObject::attachTo(owner, project);
+    const auto me = shared_from_this();
+    for (const auto& spec : specs_.items()) spec->attachTo(me, project);
+}
+
+std::shared_ptr<Specification> SpecHolder::effectiveSpec(std::string_view name) const
+{
+    if (auto own = specs_.find(name)) return own;
+    for (const auto& source : inheritanceSources())
+        if (auto found = source->effectiveSpec(name)) return found;
+    return nullptr;
+}
+
+std::shared_ptr<Specification> SpecHolder::childSpec(std::string_view name) const
+{
+    if (auto own = specs_.find(name)) return own;
+    const auto origin = [&]() -> std::shared_ptr<Specification> {
+        for (const auto& source : inheritanceSources())
+            if (auto found = source->effectiveSpec(name)) return found;
+        return nullptr;
+    }();
+    if (!origin) return nullptr;
+    auto& proxy = specProxies_[std::string(name)];
+    if (!proxy || proxy->origin() != origin || !proxy->SystemTemporary())
+        proxy = std::make_shared<Specification>(origin, std::const_pointer_cast<StoredObject>(shared_from_this()));
+    return proxy;
+}
+
+SpecRef SpecHolder::Spec(std::string_view name) const
+{
+    auto [level, rest] = firstLevel(name);
+    auto spec = childSpec(level);
+    while (spec && !rest.empty()) {
+        std::tie(level, rest) = firstLevel(rest);
+        spec = spec->childSpec(level);
+    }
+    return spec;
+}
+
+std::vector<ObjectRef> SpecHolder::allSpecs() const
+{
+    std::vector<ObjectRef> all;
+    std::unordered_map<std::string, bool> seen;
+    for (const auto& own : specs_.items()) {
+        seen.emplace(own->Name(), true);
+        all.push_back(own);
+    }
+    for (const auto& source : inheritanceSources())
+        for (const auto& inherited : source->allSpecs()) {
+            const auto name = inherited->Name();
+            if (seen.emplace(name, true).second) all.push_back(childSpec(name));
+        }
+    return all;
+}
+
+void SpecHolder::addSpec(const std::shared_ptr<Specification>& spec, std::size_t at)
+{
+    specs_.insert(at, spec);
+    spec->attachTo(shared_from_this(), storeProject());
+    specProxies_.erase(spec->Name());
+}
+
+std::shared_ptr<Specification> SpecHolder::createSpec(std::string_view name)
+{
+    if (specs_.contains(name))
+        throw PlatformError(err::NameInUse, SystemFullName() + " already has an attribute '" + std::string(name) + "'");
+    auto spec = Specification::create(std::string(name));
+    auto me = self<SpecHolder>(*this);
+    write([me, spec] { me->addSpec(spec, me->specs_.size()); },
+          [me, spec] { me->specs_.erase(me->specs_.position(*spec)); });
+    return spec;
+}
+
+void SpecHolder::removeMember(StoredObject& member)
+{
+    if (auto* spec = dynamic_cast<Specification*>(&member)) {
+        const auto at = specs_.position(*spec);
+        if (at < specs_.size()) specs_.erase(at);
+    }
+}
+
+void SpecHolder::markDeleted(bool deleted)
+{
+    StoredObject::markDeleted(deleted);
+    for (const auto& spec : specs_.items()) spec->markDeleted(deleted);
+}
+
+// ---- Device ------------------------------------------------------------
+
+Device::Device(std::string name, std::shared_ptr<StoreProject> project, bool root)
+    : SpecHolder(std::move(name), std::move(project)), root_(root)
+{
+}
+
+Device::Device(const std::shared_ptr<Device>& origin, const std::shared_ptr<StoredObject>& owner)
+    : SpecHolder(origin, owner), cdevice_(origin)
+{
+}
+
+Device::Device(const Device& other)
+    : IBaseObject(other), SpecHolder(other), IDevice(other), cdevice_(other.CDevice() ? std::dynamic_pointer_cast<Device>(other.CDevice()) : nullptr),
+      createOption_(other.CreateOption())
+{
+    for (const auto& child : other.children_.items()) children_.append(std::make_shared<Device>(*child));
+}
+
+std::shared_ptr<Device> Device::create(std::string name, std::shared_ptr<StoreProject> project, bool root)
+{
+    return std::make_shared<Device>(std::move(name), std::move(project), root);
+}
+
+void Device::attachTo(const std::shared_ptr<StoredObject>& owner, const std::shared_ptr<StoreProject>& project)
+{
+    SpecHolder::attachTo(owner, project);
+    const auto me = shared_from_this();
+    for (const auto& child : children_.items()) child->attachTo(me, project);
+}
+
+ObjectRef Device::Copy() const
+{
+    auto copy = std::make_shared<Device>(*this);
+    copy->root_ = false;
+    copy->attachTo(nullptr, storeProject());
+    return copy;
+}
+
+bool Device::memberNameTaken(const StoredObject& member, std::string_view name) const
+{
+    if (dynamic_cast<const Device*>(&member)) return children_.contains(name);
+    return SpecHolder::memberNameTaken(member, name);
+}
+
+void Device::renameMember(const StoredObject& member, const std::string& from, const std::string& to)
+{
+    if (dynamic_cast<const Device*>(&member)) return children_.rename(from, to);
+    SpecHolder::renameMember(member, from, to);
+}
+
+void Device::MakePersistent()
+{
+    if (!origin_) return;
+    persistOwner();
+    const auto parent = std::dynamic_pointer_cast<Device>(owner());
+    if (!parent) throw PlatformError(err::InvalidCall, SystemFullName() + " has no owner to be stored in");
+    auto me = self<Device>(*this);
+    const auto origin = origin_;
+    parent->write(
+        [me, parent] {
+            me->origin_.reset();
+            parent->addChild(me, parent->children_.size());
+        },
+        [me, parent, origin] {
+            parent->children_.erase(parent->children_.position(*me));
+            me->origin_ = origin;
+        });
+}
+
+SpecCollectionRef Device::SpecsByName() const
+{
+    return std::make_shared<MemberCollection>(shared_from_this(), MemberCollection::Kind::Specs);
+}
+CollectionRef Device::Specs() const { return SpecsByName(); }
+SpecCollectionRef Device::OwnElements() const
+{
+    return std::make_shared<MemberCollection>(shared_from_this(), MemberCollection::Kind::Children);
+}
+CollectionRef Device::Devices() const { return OwnElements(); }
+CollectionRef Device::Elements() const
+{
+    return std::make_shared<MemberCollection>(shared_from_this(), MemberCollection::Kind::Elements);
+}
+
+DeviceRef Device::CDevice() const { return cdevice_; }
+
+void Device::SetCDevice(const DeviceRef& base)
+{
+    auto next = std::dynamic_pointer_cast<Device>(base);
+    if (base && !next) throw PlatformError(err::InvalidCall, "the base object of " + SystemFullName() + " must be a device of this database");
+    for (auto step = next; step; step = step->cdevice_)
+        if (step.get() == this)
+            throw PlatformError(err::CycleRefused, "linking " + SystemFullName() + " to " + base->SystemFullName() +
+                                                       " would make it its own base object");
+    assign(cdevice_, next);
+    childProxies_.clear();
+    specProxies_.clear();
+}
+
+std::string Device::SystemFullName() const
+{
+    if (root_) {
+        const auto project = storeProject();
+        return (project ? project->Name() : std::string()) + ":" + name_;
+    }
+    const auto parent = ownerPath();
+    return parent.empty() ? name_ : parent + "|" + name_;
+}
+
+std::vector<std::shared_ptr<SpecHolder>> Device::inheritanceSources() const
+{
+    if (!cdevice_) return {};
+    return {cdevice_};
+}
+
+std::shared_ptr<Device> Device::effectiveChild(std::string_view name) const
+{
+    if (auto own = children_.find(name)) return own;
+    return cdevice_ ? cdevice_->effectiveChild(name) : nullptr;
+}
+
+std::shared_ptr<Device> Device::childDevice(std::string_view name) const
+{
+    if (auto own = children_.find(name)) return own;
+    const auto origin = cdevice_ ? cdevice_->effectiveChild(name) : nullptr;
+    if (!origin) return nullptr;
+    auto& proxy = childProxies_[std::string(name)];
+    if (!proxy || proxy->origin() != origin || !proxy->SystemTemporary())
+        proxy = std::make_shared<Device>(origin, std::const_pointer_cast<StoredObject>(shared_from_this()));
+    return proxy;
+}
+
+std::vector<ObjectRef> Device::allChildren() const
+{
+    std::vector<ObjectRef> all(children_.items().begin(), children_.items().end());
+    if (!cdevice_) return all;
+    for (const auto& inherited : cdevice_->allChildren()) {
+        const auto name = inherited->Name();
+        if (!children_.contains(name)) all.push_back(childDevice(name));
+    }
+    return all;
+}
+
+void Device::addChild(const std::shared_ptr<Device>& child, std::size_t at)
+{
+    children_.insert(at, child);
+    child->attachTo(shared_from_this(), storeProject());
+    childProxies_.erase(child->Name());
+}
+
+std::shared_ptr<Device> Device::createChild(std::string_view name)
+{
+    if (children_.contains(name))
+        throw PlatformError(err::NameInUse, SystemFullName() + " already has an element '" + std::string(name) + "'");
+    auto child = Device::create(std::string(name), storeProject());
+    auto me = self<Device>(*this);
+    write([me, child] { me->addChild(child, me->children_.size()); },
+          [me, child] { me->children_.erase(me->children_.position(*child)); });
+    return child;
+}
+
+void Device::removeMember(StoredObject& member)
+{
+    if (auto* child = dynamic_cast<Device*>(&member)) {
+        const auto at = children_.position(*child);
+        if (at < children_.size()) children_.erase(at);
+        return;
+    }
+    SpecHolder::removeMember(member);
+}
+
+void Device::markDeleted(bool deleted)
+{
+    SpecHolder::markDeleted(deleted);
+    for (const auto& child : children_.items()) child->markDeleted(deleted);
+}
+
+// ---- Specification -----------------------------------------------------
+
+Specification::Specification(std::string name) : SpecHolder(std::move(name), nullptr) {}
+
+Specification::Specification(const std::shared_ptr<Specification>& origin, const std::shared_ptr<StoredObject>& owner)
+    : SpecHolder(origin, owner)
+{
+}
+
+Specification::Specification(const Specification& other) : IBaseObject(other), SpecHolder(other), ISpecification(other)
+{
+    copyStoredFields(other.stored<Specification>());
+}
+
+std::shared_ptr<Specification> Specification::create(std::string name) { return std::make_shared<Specification>(std::move(name)); }
+
+void Specification::copyStoredFields(const Specification& from)
+{
+    value_ = from.value_;
+    table_ = from.table_;
+    link_ = from.link_;
+    inheritedChapter_ = from.inheritedChapter_;
+    type_ = from.type_;
+    locked_ = from.locked_;
+    if (from.extras_) extras_ = std::make_unique<Extras>(*from.extras_);
+    description_ = from.description_;
+    xml_ = from.xml_;
+}
+
+const Specification::Extras& Specification::extras() const
+{
+    static const Extras none;
+    const auto& source = stored<Specification>();
+    return source.extras_ ? *source.extras_ : none;
+}
+
+Specification::Extras& Specification::editExtras()
+{
+    if (!extras_) extras_ = std::make_unique<Extras>();
+    return *extras_;
+}
+
+ObjectRef Specification::Copy() const
+{
+    auto copy = std::make_shared<Specification>(*this);
+    copy->attachTo(nullptr, storeProject());
+    return copy;
+}
+
+void Specification::MakePersistent()
+{
+    if (!origin_) return;
+    persistOwner();
+    const auto parent = std::dynamic_pointer_cast<SpecHolder>(owner());
+    if (!parent) throw PlatformError(err::InvalidCall, SystemFullName() + " has no owner to be stored in");
+    auto me = self<Specification>(*this);
+    const auto origin = std::static_pointer_cast<Specification>(origin_);
+    parent->write(
+        [me, parent, origin] {
+            me->copyStoredFields(origin->stored<Specification>());
+            me->origin_.reset();
+            parent->addSpec(me, parent->ownSpecs().size());
+        },
+        [me, parent, origin] {
+            const_cast<NamedChildren<Specification>&>(parent->ownSpecs()).erase(parent->ownSpecs().position(*me));
+            me->origin_ = origin;
+        });
+}
+
+std::shared_ptr<Device> Specification::device() const
+{
+    for (auto parent = owner(); parent; parent = parent->owner())
+        if (auto found = std::dynamic_pointer_cast<Device>(parent)) return found;
+    return nullptr;
+}
+
+std::string Specification::NestedName() const
+{
+    std::string nested = name_;
+    for (auto parent = std::dynamic_pointer_cast<Specification>(owner()); parent;
+         parent = std::dynamic_pointer_cast<Specification>(parent->owner()))
+        nested = parent->name_ + "." + nested;
+    return nested;
+}
+
+std::string Specification::SystemFullName() const
+{
+    const auto holder = device();
+    return (holder ? holder->SystemFullName() : std::string()) + "#" + NestedName();
+}
+
+std::vector<std::shared_ptr<SpecHolder>> Specification::inheritanceSources() const
+{
+    std::vector<std::shared_ptr<SpecHolder>> sources;
+    if (const auto inherited = stored<Specification>().inheritedChapter_) sources.push_back(inherited);
+    if (const auto parent = std::dynamic_pointer_cast<SpecHolder>(owner()))
+        for (const auto& source : parent->inheritanceSources())
+            if (auto counterpart = source->effectiveSpec(name_); counterpart && counterpart.get() != this)
+                sources.push_back(counterpart);
+    return sources;
+}
+
+std::string Specification::ValueType() const { return std::string(1, stored<Specification>().type_); }
+void Specification::SetValueType(std::string_view type)
+{
+    if (type.size() != 1 || (type != "A" && type != "N" && type != "C"))
+        throw PlatformError(err::InvalidCall, "value type of " + SystemFullName() + " must be A, N or C, not '" + std::string(type) + "'");
+    assign(type_, type[0]);
+}
+
+std::string Specification::InheritMode() const { return extras().inheritMode; }
+void Specification::SetInheritMode(std::string_view mode) { assign(editExtras().inheritMode, std::string(mode)); }
+
+std::string Specification::Value() const
+{
+    const auto& source = stored<Specification>();
+    if (source.type_ == 'C') {
+        const auto& texts = extras().languageValues;
+        return texts.empty() ? source.value_ : texts.front();
+    }
+    return source.value_;
+}
+
+void Specification::SetValue(std::string_view value)
+{
+    if (type_ == 'C') return SetLanguageValue(1, value);
+    assign(value_, std::string(value));
+}
+
+void Specification::SetLanguageValue(int languageIndex, std::string_view value)
+{
+    if (languageIndex < 1) throw PlatformError(err::SubscriptOutOfRange, "language index " + std::to_string(languageIndex) + " is out of range");
+    checkWritable();
+    auto texts = editExtras().languageValues;
+    if (texts.size() < static_cast<std::size_t>(languageIndex)) texts.resize(static_cast<std::size_t>(languageIndex));
+    texts[static_cast<std::size_t>(languageIndex - 1)] = std::string(value);
+    assign(editExtras().languageValues, texts);
+}
+
+std::string Specification::DisplayValue() const
+{
+    const auto value = Value();
+    if (value.empty()) return value;
+    const auto& table = stored<Specification>().table_;
+    const auto row = table ? table->rowWithValue(value) : nullptr;
+    if (row && !row->Description().empty()) return row->Description();
+    return value;
+}
+
+ObjectRef Specification::StandardValue() const
+{
+    const auto& table = stored<Specification>().table_;
+    return table ? table->rowWithValue(Value()) : nullptr;
+}
+
+ObjectRef Specification::StandardTable() const { return stored<Specification>().table_; }
+
+void Specification::SetStandardTable(const ObjectRef& table)
+{
+    auto next = std::dynamic_pointer_cast<platform::StandardTable>(table);
+    if (table && !next) throw PlatformError(err::InvalidCall, "the value list of " + SystemFullName() + " must be a standard table");
+    assign(table_, next);
+}
+
+SpecCollectionRef Specification::OwnSpecifications() const
+{
+    return std::make_shared<MemberCollection>(shared_from_this(), MemberCollection::Kind::OwnSpecs);
+}
+
+CollectionRef Specification::Specifications() const
+{
+    return std::make_shared<MemberCollection>(shared_from_this(), MemberCollection::Kind::Specs);
+}
+
+std::string Specification::ControlType() const { return extras().controlType; }
+void Specification::SetControlType(std::string_view type) { assign(editExtras().controlType, std::string(type)); }
+std::string Specification::ControlProperties() const { return extras().controlProperties; }
+void Specification::SetControlProperties(std::string_view text) { assign(editExtras().controlProperties, std::string(text)); }
+
+DeviceRef Specification::LinkObject() const { return asDevice(stored<Specification>().link_); }
+void Specification::SetLinkObject(const ObjectRef& object) { assign(link_, object); }
+
+SpecRef Specification::InheritedChapter() const { return stored<Specification>().inheritedChapter_; }
+
+void Specification::InheritFrom(const SpecRef& chapter)
+{
+    auto next = std::dynamic_pointer_cast<Specification>(chapter);
+    if (chapter && !next) throw PlatformError(err::InvalidCall, SystemFullName() + " can inherit only from a chapter of this database");
+    if (next && (next.get() == this || next->inheritsFrom(*this)))
+        throw PlatformError(err::CycleRefused, SystemFullName() + " cannot inherit from " + chapter->SystemFullName() +
+                                                   ": the chapter would inherit from itself");
+    assign(inheritedChapter_, next);
+    specProxies_.clear();
+}
+
+std::string Specification::GetXValue(int index) const
+{
+    const auto& values = extras().xValues;
+    return index >= 0 && static_cast<std::size_t>(index) < values.size() ? values[static_cast<std::size_t>(index)] : std::string();
+}
+
+bool Specification::SetXValue(int index, std::string_view value)
+{
+    if (index < 0) throw PlatformError(err::SubscriptOutOfRange, "indexed value " + std::to_string(index) + " of " + SystemFullName());
+    checkWritable();
+    auto values = editExtras().xValues;
+    if (values.size() <= static_cast<std::size_t>(index)) values.resize(static_cast<std::size_t>(index) + 1);
+    values[static_cast<std::size_t>(index)] = std::string(value);
+    assign(editExtras().xValues, values);
+    return true;
+}
+
+int Specification::RowCount() const { return static_cast<int>(extras().xValues.size()); }
+int Specification::LinkedCount() const { return extras().linkedCount; }
+void Specification::setLinkedCount(int count) { editExtras().linkedCount = count; }
+
+long Specification::AnswerMode() const { return extras().answerMode; }
+void Specification::SetAnswerMode(long mode) { assign(editExtras().answerMode, mode); }
+
+std::string Specification::ValueOfDisplayText(std::string_view displayText) const
+{
+    if (const auto& table = stored<Specification>().table_)
+        for (const auto& row : table->ownRows().items())
+            if (row->Description() == displayText || row->Value() == displayText) return row->Value();
+    return std::string(displayText);
+}
+
+bool Specification::IsValueLocked(int) const
+{
+    const auto project = storeProject();
+    return locked_ || readOnly_ || (project && !project->writable());
+}
+
+// ---- Standard tables ---------------------------------------------------
+
+StandardValue::StandardValue(std::string name) : StoredObject(std::move(name), nullptr) {}
+
+ObjectRef StandardValue::Copy() const
+{
+    auto copy = std::make_shared<platform::StandardValue>(name_);
+    copy->value_ = value_;
+    copy->description_ = description_;
+    copy->project_ = project_;
+    return copy;
+}
+
+std::string StandardValue::SystemFullName() const { return ownerPath() + "#" + name_; }
+void StandardValue::SetValue(std::string_view value) { assign(value_, std::string(value)); }
+
+StandardTable::StandardTable(std::string name, std::shared_ptr<StoreProject> project)
+    : StoredObject(std::move(name), std::move(project))
+{
+}
+
+std::shared_ptr<StandardTable> StandardTable::create(std::string name, std::shared_ptr<StoreProject> project)
+{
+    return std::make_shared<StandardTable>(std::move(name), std::move(project));
+}
+
+ObjectRef StandardTable::Copy() const
+{
+    auto copy = create(name_, storeProject());
+    copy->description_ = description_;
+    for (const auto& row : rows_.items()) {
+        auto rowCopy = std::dynamic_pointer_cast<platform::StandardValue>(row->Copy());
+        copy->rows_.append(rowCopy);
+        rowCopy->attachTo(copy, copy->storeProject());
+    }
+    for (const auto& table : tables_.items()) {
+        auto tableCopy = std::dynamic_pointer_cast<StandardTable>(table->Copy());
+        copy->tables_.append(tableCopy);
+        tableCopy->attachTo(copy, copy->storeProject());
+    }
+    return copy;
+}
+
+std::string StandardTable::SystemFullName() const
+{
+    const auto parent = owner();
+    // Top-level tables hang under the project's unnamed table.
+    if (parent && parent->Name().empty() && !parent->owner()) {
+        const auto project = storeProject();
+        return (project ? project->Name() : std::string()) + ":" + name_;
+    }
+    const auto path = ownerPath();
+    return path.empty() ? name_ : path + "|" + name_;
+}
+
+SpecCollectionRef StandardTable::Values() const
+{
+    return std::make_shared<MemberCollection>(shared_from_this(), MemberCollection::Kind::Rows);
+}
+
+CollectionRef StandardTable::Children() const
+{
+    return std::make_shared<MemberCollection>(shared_from_this(), MemberCollection::Kind::Tables);
+}
+
+std::shared_ptr<platform::StandardValue> StandardTable::rowWithValue(std::string_view value) const
+{
+    for (const auto& row : rows_.items())
+        if (row->Value() == value) return row;
+    return nullptr;
+}
+
+std::shared_ptr<StandardTable> StandardTable::createChild(std::string_view name)
+{
+    if (tables_.contains(name)) throw PlatformError(err::NameInUse, SystemFullName() + " already has a table '" + std::string(name) + "'");
+    auto table = create(std::string(name), storeProject());
+    auto me = self<StandardTable>(*this);
+    write(
+        [me, table] {
+            me->tables_.append(table);
+            table->attachTo(me, me->storeProject());
+        },
+        [me, table] { me->tables_.erase(me->tables_.position(*table)); });
+    return table;
+}
+
+std::shared_ptr<platform::StandardValue> StandardTable::createRow(std::string_view name)
+{
+    if (rows_.contains(name)) throw PlatformError(err::NameInUse, SystemFullName() + " already has a row '" + std::string(name) + "'");
+    auto row = std::make_shared<platform::StandardValue>(std::string(name));
+    auto me = self<StandardTable>(*this);
+    write(
+        [me, row] {
+            me->rows_.append(row);
+            row->attachTo(me, me->storeProject());
+        },
+        [me, row] { me->rows_.erase(me->rows_.position(*row)); });
+    return row;
+}
+
+void StandardTable::removeMember(StoredObject& member)
+{
+    if (auto* row = dynamic_cast<platform::StandardValue*>(&member)) {
+        const auto at = rows_.position(*row);
+        if (at < rows_.size()) rows_.erase(at);
+    } else if (auto* table = dynamic_cast<StandardTable*>(&member)) {
+        const auto at = tables_.position(*table);
+        if (at < tables_.size()) tables_.erase(at);
+    }
+}
+
+void StandardTable::markDeleted(bool deleted)
+{
+    StoredObject::markDeleted(deleted);
+    for (const auto& row : rows_.items()) row->markDeleted(deleted);
+    for (const auto& table : tables_.items()) table->markDeleted(deleted);
+}
+
+}  // namespace pipespec::platform

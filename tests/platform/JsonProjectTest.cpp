@@ -1,0 +1,121 @@
+// The readable project format: the bundled sample loads whole, and a file
+// that is not right is refused with words that say where.
+
+#include "objectmodel/ExpectError.h"
+#include "platform/JsonProject.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace pipespec {
+namespace {
+
+using nlohmann::json;
+using platform::JsonNameTable;
+using ::testing::HasSubstr;
+
+std::shared_ptr<JsonNameTable> shippedNames() { return JsonNameTable::load(JsonNameTable::shippedPath()); }
+
+TEST(JsonProject, SampleProjectLoadsWithLinksOptionsAndNames)
+{
+    const auto loaded = platform::loadJsonProject(platform::sampleProjectPath(), *shippedNames());
+    const auto& db = *loaded.database;
+    const auto plant = db.project("PLANT");
+    ASSERT_TRUE(plant);
+    EXPECT_EQ(db.workset()->CurrentProject(), plant);
+    EXPECT_EQ(plant->BaseProject(), db.project("BASE"));
+    EXPECT_EQ(plant->SystemProject(), db.project("SYSTEM"));
+
+    // A pipe class of the plant inherits its function code from the base catalogue.
+    const auto pipeClass = asDevice(plant->ObjectByPath("@20|PIPECLASSES|PC-A1-DIN", 2));
+    ASSERT_TRUE(pipeClass);
+    EXPECT_EQ(pipeClass->Spec("GD.VFCD")->Value(), "10000");
+
+    // Values from a standard table show their row's description.
+    const auto flange = asDevice(plant->ObjectByPath("@40|CAT|FLANGES|FL-WN-PN16", 2));
+    ASSERT_TRUE(flange);
+    EXPECT_EQ(flange->Spec("CONN.DN1")->DisplayValue(), "DN 100");
+    EXPECT_EQ(flange->Spec("GD.VFCD")->Value(), "10100") << "inherited from its base component";
+    EXPECT_TRUE(flange->Spec("GD.VFCD")->SystemTemporary());
+    EXPECT_EQ(flange->Spec("E3D.PCOMPlus1")->LinkObject(), plant->ObjectByPath("@40|CAT|GASKETS|GA-PN16", 2));
+
+    const auto globals = db.workset()->Globals();
+    EXPECT_EQ(globals->getOption(231).object(), plant->ObjectByPath("@40|NORM", 2));
+    ASSERT_TRUE(globals->PipeClassRootCDevice());
+    EXPECT_EQ(globals->PipeClassRootCDevice()->Name(), "PIPECLASS");
+    EXPECT_FALSE(db.workset()->AppGlobals()->TubrixDesignerRun());
+
+    EXPECT_EQ(loaded.names->GD().VFCD(), "GD.VFCD");
+    EXPECT_FALSE(loaded.names->IsBaseDatabase());
+}
+
+TEST(JsonProject, ProjectMayOverrideLeavesOfTheNameTable)
+{
+    const json document = {{"format", "pipespec-sample"},
+                           {"version", 1},
+                           {"projects", json::array({{{"name", "P"}}})},
+                           {"names", {{"IsBaseDatabase", true}, {"GD", {{"VFCD", "GEN.FCODE"}}}}}};
+    const auto defaults = shippedNames();
+    const auto loaded = platform::readJsonProject(document, "inline", *defaults);
+    EXPECT_EQ(loaded.names->GD().VFCD(), "GEN.FCODE");
+    EXPECT_TRUE(loaded.names->IsBaseDatabase());
+    // Leaves the project does not name keep their defaults, and the defaults stay untouched.
+    EXPECT_EQ(loaded.names->GD().Selector(), defaults->GD().Selector());
+    EXPECT_EQ(defaults->GD().VFCD(), "GD.VFCD");
+}
+
+TEST(JsonProject, BadFilesAreRefusedSayingWhere)
+{
+    const auto defaults = shippedNames();
+    const auto refusal = [&](const json& document) {
+        try {
+            platform::readJsonProject(document, "bad.json", *defaults);
+        } catch (const PlatformError& e) {
+            EXPECT_EQ(e.number(), err::Configuration);
+            return std::string(e.what());
+        }
+        return std::string("accepted");
+    };
+    const auto project = [](json body) {
+        return json{{"format", "pipespec-sample"}, {"version", 1}, {"projects", json::array({std::move(body)})}};
+    };
+
+    EXPECT_THAT(refusal({{"format", "other"}, {"version", 1}}), HasSubstr("is not a pipespec project"));
+    EXPECT_THAT(refusal({{"format", "pipespec-sample"}, {"version", 2}}), HasSubstr("version"));
+    EXPECT_THAT(refusal(project({{"name", "P"}, {"colour", "red"}})), HasSubstr("unknown entry \"colour\""));
+    EXPECT_THAT(refusal(project({{"name", "P"}, {"base", "NONE"}})), HasSubstr("'NONE'"));
+    EXPECT_THAT(refusal(project({{"name", "P"},
+                                 {"roots", json::array({{{"name", "@40"},
+                                                         {"devices", json::array({{{"name", "A"}, {"cdevice", "P:@40|B"}}})}}})}})),
+                HasSubstr("P:@40|A \"cdevice\" refers to 'P:@40|B', which does not exist"));
+    EXPECT_THAT(refusal(project({{"name", "P"},
+                                 {"roots", json::array({{{"name", "@40"},
+                                                         {"devices", json::array({{{"name", "A"}, {"cdevice", "P:@40|A"}}})}}})}})),
+                HasSubstr("own base object"));
+    EXPECT_THAT(refusal(project({{"name", "P"}, {"options", {{"x1", 3}}}})), HasSubstr("no option number"));
+
+    try {
+        platform::loadJsonProject("/nonexistent/project.json", *defaults);
+        ADD_FAILURE() << "a missing file was read";
+    } catch (const PlatformError& e) {
+        EXPECT_THAT(e.what(), HasSubstr("cannot be read"));
+    }
+}
+
+TEST(JsonNameTable, MissingLeavesAndSubTreesAreConfigurationErrors)
+{
+    const auto names = JsonNameTable::parse(json{{"NameRange", "NR"}, {"GD", {{"VFCD", "GD.VFCD"}}}}, "inline");
+    EXPECT_EQ(names->NameRange(), "NR");
+    EXPECT_EQ(checks::errorNumber([&] { (void)names->PDMS(); }), err::Configuration);
+    EXPECT_EQ(checks::errorNumber([&] { (void)names->Pipe(); }), err::Configuration);
+    EXPECT_EQ(checks::errorNumber([&] { JsonNameTable::parse(json{{"GD", 3}}, "inline"); }), err::Configuration);
+    try {
+        (void)names->GD().Selector();
+    } catch (const PlatformError& e) {
+        EXPECT_THAT(e.what(), HasSubstr("Names.GD.Selector"));
+    }
+}
+
+}  // namespace
+}  // namespace pipespec

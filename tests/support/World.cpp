@@ -1,0 +1,96 @@
+#include "support/World.h"
+
+#include "objectmodel/Text.h"
+
+#include <nlohmann/json.hpp>
+
+namespace pipespec::support {
+
+World::World()
+    : names_(platform::JsonNameTable::load(platform::JsonNameTable::shippedPath())->overlaid(nlohmann::json::object(), "tests")),
+      host_(std::make_unique<diagnostics::ScopedHeadlessHost>(names_)),
+      database_(platform::Database::create()),
+      base_(database_->addProject("BASE")),
+      plant_(database_->addProject("PLANT", base_))
+{
+    base_->addLanguage("de");
+    base_->addLanguage("en");
+    plant_->addLanguage("de");
+    plant_->addLanguage("en");
+    database_->workset()->SetCurrentProject(plant_);
+}
+
+std::shared_ptr<platform::Device> store(const DeviceRef& device)
+{
+    return std::dynamic_pointer_cast<platform::Device>(device);
+}
+
+DeviceRef World::root(const std::shared_ptr<platform::StoreProject>& project, const std::string& name) const
+{
+    if (auto existing = project->root(name)) return existing;
+    return project->addRoot(name);
+}
+
+DeviceRef World::device(const DeviceRef& owner, const std::string& name, Attributes attributes) const
+{
+    auto made = asDevice(owner->OwnElements()->CreateNewWithName(name));
+    for (const auto& [qualified, value] : attributes) attribute(made, qualified, value);
+    return made;
+}
+
+SpecRef World::attribute(const DeviceRef& device, const std::string& qualifiedName, const std::string& value) const
+{
+    SpecRef spec;
+    std::string_view rest = qualifiedName;
+    while (!rest.empty()) {
+        const auto dot = rest.find('.');
+        const std::string level(rest.substr(0, dot));
+        rest = dot == std::string_view::npos ? std::string_view() : rest.substr(dot + 1);
+        const auto members = spec ? spec->OwnSpecifications() : device->SpecsByName();
+        auto own = asSpec(spec ? members->Item(level) : store(device)->ownSpecs().find(level));
+        spec = own ? own : asSpec(members->CreateNewWithName(level));
+    }
+    spec->SetValue(value);
+    return spec;
+}
+
+DeviceRef World::pipeClass(const DeviceRef& owner, const std::string& name, const std::string& code, bool pdms,
+                           bool nameRange) const
+{
+    auto made = device(owner, name, {{names().GD().VFCD(), code}});
+    if (pdms) attribute(made, names().PDMS() + ".State", "");
+    if (nameRange) {
+        attribute(made, names().NameRange() + "." + names().NameRangeLowerAttr(), "15");
+        attribute(made, names().NameRange() + "." + names().NameRangeUpperAttr(), "600");
+    }
+    return made;
+}
+
+std::shared_ptr<platform::StandardTable> World::table(const std::shared_ptr<platform::StoreProject>& project,
+                                                      const std::string& name, std::vector<std::string> values) const
+{
+    auto made = project->tableRoot()->createChild(name);
+    for (const auto& value : values) made->createRow(value)->SetValue(value);
+    return made;
+}
+
+void World::setFolder(const DeviceRef& device) const { must(store(device)).setFolder(true); }
+void World::setCreateOption(const DeviceRef& device, int option) const { must(store(device)).setCreateOption(option); }
+
+std::vector<std::string> World::traceTexts(std::string_view function) const
+{
+    std::vector<std::string> texts;
+    for (const auto& line : tracer().lines())
+        if (line.function == function && line.kind == diagnostics::TraceKind::Text) texts.push_back(line.text);
+    return texts;
+}
+
+std::vector<std::string> World::traceLines(std::string_view function) const
+{
+    std::vector<std::string> lines;
+    for (const auto& line : tracer().lines())
+        if (line.function == function) lines.push_back(diagnostics::HeadlessTools::format(line));
+    return lines;
+}
+
+}  // namespace pipespec::support

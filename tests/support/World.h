@@ -1,0 +1,70 @@
+#pragma once
+
+// A small database for tests: a base project (the catalogue) and a plant
+// project built on it (current, writable), the shipped name table and a
+// headless host that records every trace line, report and message box.
+// Builders make catalogue components, pipe classes and attributes in a line.
+
+#include "diagnostics/HeadlessHost.h"
+#include "platform/Database.h"
+#include "platform/NameTable.h"
+
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace pipespec::support {
+
+using Attributes = std::initializer_list<std::pair<std::string, std::string>>;
+
+class World {
+public:
+    World();
+
+    const std::shared_ptr<platform::Database>& database() const { return database_; }
+    const std::shared_ptr<platform::StoreProject>& base() const { return base_; }
+    const std::shared_ptr<platform::StoreProject>& plant() const { return plant_; }
+    std::shared_ptr<platform::StoreWorkset> workset() const { return database_->workset(); }
+    diagnostics::HeadlessUtilities& host() const { return host_->utilities(); }
+    diagnostics::HeadlessTools& tracer() const { return host_->tools(); }
+    const INameTable& names() const { return *names_; }
+    // Whether the name table says that we run in the base database.
+    void setBaseDatabase(bool base) const { names_->setBaseDatabase(base); }
+
+    // The fixed root of that name, made on first use.
+    DeviceRef root(const std::shared_ptr<platform::StoreProject>& project, const std::string& name) const;
+    // A device under `owner` with attributes by qualified name ("GD.VFCD");
+    // missing chapters are made on the way.
+    DeviceRef device(const DeviceRef& owner, const std::string& name, Attributes attributes = {}) const;
+    // Writes (and makes, where missing) the attribute of that qualified name.
+    SpecRef attribute(const DeviceRef& device, const std::string& qualifiedName, const std::string& value) const;
+    // A pipe class of that function code; `pdms` adds the PDMS chapter,
+    // `nameRange` the name-range chapter with lower and upper bound.
+    DeviceRef pipeClass(const DeviceRef& owner, const std::string& name, const std::string& code, bool pdms = false,
+                        bool nameRange = true) const;
+    // A standard table at the top of a project, with rows of value = name.
+    std::shared_ptr<platform::StandardTable> table(const std::shared_ptr<platform::StoreProject>& project,
+                                                   const std::string& name, std::vector<std::string> values) const;
+
+    void setFolder(const DeviceRef& device) const;
+    void setCreateOption(const DeviceRef& device, int option) const;
+
+    // The text of every TraceText line of that function, in order.
+    std::vector<std::string> traceTexts(std::string_view function) const;
+    // Every trace line of that function, formatted as the headless host shows them.
+    std::vector<std::string> traceLines(std::string_view function) const;
+
+private:
+    std::shared_ptr<platform::JsonNameTable> names_;
+    std::unique_ptr<diagnostics::ScopedHeadlessHost> host_;
+    std::shared_ptr<platform::Database> database_;
+    std::shared_ptr<platform::StoreProject> base_;
+    std::shared_ptr<platform::StoreProject> plant_;
+};
+
+// The store's device behind a reference the logic holds.
+std::shared_ptr<platform::Device> store(const DeviceRef& device);
+
+}  // namespace pipespec::support
