@@ -1,0 +1,109 @@
+#include "cli/Session.h"
+
+#include "diagnostics/Services.h"
+#include "elements/AddToPipeClass.h"
+
+#include <filesystem>
+#include <functional>
+
+namespace pipespec::cli {
+
+namespace {
+constexpr const char* kCatalogueRoot = "@40";
+
+// Devices below `device` in tree order; `take` decides which are listed.
+void collect(const DeviceRef& device, const std::function<bool(const DeviceRef&)>& take, std::vector<DeviceRef>& out)
+{
+    const auto children = device->Devices();
+    for (int i = 1; i <= children->Count(); ++i) {
+        const auto child = asDevice(children->Item(i));
+        if (take(child)) out.push_back(child);
+        collect(child, take, out);
+    }
+}
+
+diagnostics::LanguageTable languageOf(const Arguments& args)
+{
+    const auto language = args.option("--lang").value_or("en");
+    // The literals carry the German texts themselves.
+    if (language == "de") return {};
+    const auto file = diagnostics::LanguageTable::shippedPath(language);
+    if (!std::filesystem::exists(file)) throw UsageError("no messages in language '" + language + "' (en, de)");
+    return diagnostics::LanguageTable::load(file);
+}
+
+// The project and its base projects, nearest first.
+std::vector<std::shared_ptr<platform::StoreProject>> projectChain(const ProjectRef& project)
+{
+    std::vector<std::shared_ptr<platform::StoreProject>> chain;
+    for (auto p = std::dynamic_pointer_cast<platform::StoreProject>(project); p;
+         p = std::dynamic_pointer_cast<platform::StoreProject>(p->BaseProject()))
+        chain.push_back(p);
+    return chain;
+}
+}  // namespace
+
+Session::Session(const Arguments& args)
+{
+    auto language = languageOf(args);
+    const auto defaults = platform::JsonNameTable::load(platform::JsonNameTable::shippedPath());
+    const auto file = args.option("--db").value_or(platform::sampleProjectPath().string());
+    loaded_ = platform::loadJsonProject(file, *defaults);
+    host_ = std::make_unique<diagnostics::ScopedHeadlessHost>(loaded_.names);
+    host_->utilities().setLanguage(std::move(language));
+}
+
+std::vector<DeviceRef> Session::catalogueComponents() const
+{
+    // A component carries a function code or a component type; the other
+    // devices of the catalogue tree are its structure and its owners.
+    const auto& names = diagnostics::names();
+    const auto isComponent = [&](const DeviceRef& d) {
+        return !d->IsFolder() && (d->Spec(names.GD().VFCD()) || d->Spec(names.Pipe().VSTD()));
+    };
+    std::vector<DeviceRef> components;
+    for (const auto& project : projectChain(currentProject()))
+        if (const auto root = project->root(kCatalogueRoot)) collect(root, isComponent, components);
+    return components;
+}
+
+std::vector<DeviceRef> Session::pipeClasses() const
+{
+    std::vector<DeviceRef> classes;
+    for (const auto& project : projectChain(currentProject()))
+        for (const auto& root : project->roots().items())
+            collect(root, [](const DeviceRef& d) { return addtopipeclass::IsPipeClass(d); }, classes);
+    return classes;
+}
+
+DeviceRef Session::byWords(const std::string& words, const std::vector<DeviceRef>& candidates, const char* what) const
+{
+    if (words.find(':') != std::string::npos || words.find('|') != std::string::npos) {
+        const auto object = words.find(':') != std::string::npos ? database().objectByFullName(words, nullptr)
+                                                                 : currentProject()->ObjectByPath(words, 2);
+        auto device = asDevice(object);
+        if (!device) throw UsageError("there is no " + std::string(what) + " '" + words + "'");
+        return device;
+    }
+    std::vector<DeviceRef> named;
+    for (const auto& candidate : candidates)
+        if (candidate->Name() == words) named.push_back(candidate);
+    if (named.empty()) throw UsageError("there is no " + std::string(what) + " named '" + words + "'");
+    if (named.size() > 1) {
+        std::string list;
+        for (const auto& device : named) list += "\n  " + device->SystemFullName();
+        throw UsageError("'" + words + "' names " + std::to_string(named.size()) + " objects; give the full name:" + list);
+    }
+    return named.front();
+}
+
+DeviceRef Session::pipeClass(const std::string& words) const
+{
+    auto device = byWords(words, pipeClasses(), "pipe class");
+    if (!addtopipeclass::IsPipeClass(device)) throw UsageError(device->SystemFullName() + " is not a pipe class");
+    return device;
+}
+
+DeviceRef Session::component(const std::string& words) const { return byWords(words, catalogueComponents(), "component"); }
+
+}  // namespace pipespec::cli

@@ -1,0 +1,48 @@
+#pragma once
+
+// What every subcommand starts from: the database opened from --db (the
+// bundled sample project by default), the headless host that records what
+// the logic traces, reports and asks, in the language chosen by --lang, and
+// look-ups of pipe classes and catalogue components by the words a user types.
+
+#include "cli/Arguments.h"
+#include "diagnostics/HeadlessHost.h"
+#include "platform/JsonProject.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace pipespec::cli {
+
+// The options every subcommand takes besides its own.
+inline const std::vector<std::string> kCommonFlags{"--json"};
+inline const std::vector<std::string> kCommonOptions{"--db", "--lang"};
+
+class Session {
+public:
+    explicit Session(const Arguments& args);
+
+    platform::Database& database() const { return *loaded_.database; }
+    ProjectRef currentProject() const { return loaded_.database->workset()->CurrentProject(); }
+    diagnostics::HeadlessUtilities& host() const { return host_->utilities(); }
+    diagnostics::HeadlessTools& tracer() const { return host_->tools(); }
+
+    // A pipe class by full name ("PLANT:@20|…"), by path in the current
+    // project ("@20|…") or by its name; anything else is a usage error.
+    DeviceRef pipeClass(const std::string& words) const;
+    // A catalogue component in the same three ways; a name must be unique
+    // within the catalogue roots ("@40") of the project and its bases.
+    DeviceRef component(const std::string& words) const;
+    // Every component under the catalogue roots, in tree order.
+    std::vector<DeviceRef> catalogueComponents() const;
+
+private:
+    DeviceRef byWords(const std::string& words, const std::vector<DeviceRef>& candidates, const char* what) const;
+    std::vector<DeviceRef> pipeClasses() const;
+
+    platform::LoadedDatabase loaded_;
+    std::unique_ptr<diagnostics::ScopedHeadlessHost> host_;
+};
+
+}  // namespace pipespec::cli
