@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <functional>
 
 namespace pipespec::platform {
 
@@ -110,11 +109,12 @@ StoredObject& MemberCollection::owner() const { return *owner_; }
 
 const std::vector<ObjectRef>& MemberCollection::snapshot() const
 {
-    if (!snapshot_) {
+    if (!snapshot_ || snapshotAt_ != changeCount()) {
         if (kind_ == Kind::Elements)
             snapshot_ = static_cast<const Device&>(owner()).allChildren();
         else
             snapshot_ = static_cast<const SpecHolder&>(owner()).allSpecs();
+        snapshotAt_ = changeCount();
     }
     return *snapshot_;
 }
@@ -184,7 +184,6 @@ bool MemberCollection::nameTaken(std::string_view name) const
 
 ObjectRef MemberCollection::CreateNewWithName(std::string_view name)
 {
-    snapshot_.reset();
     switch (kind_) {
     case Kind::Children:
     case Kind::Elements: return static_cast<Device&>(owner()).createChild(name);
@@ -198,57 +197,40 @@ ObjectRef MemberCollection::CreateNewWithName(std::string_view name)
 
 void MemberCollection::AddObject(const ObjectRef& object)
 {
-    snapshot_.reset();
     if (kind_ == Kind::Tables || kind_ == Kind::Rows)
         throw PlatformError(err::NotSupported, "standard tables take new rows and tables only by CreateNewWithName");
     const auto name = must(object).Name();
     if (nameTaken(name)) throw PlatformError(err::NameInUse, owner().SystemFullName() + " already has a member '" + name + "'");
-    if (kind_ == Kind::Children || kind_ == Kind::Elements) {
-        auto& device = static_cast<Device&>(owner());
-        auto child = memberOf<Device>(object, "devices");
-        auto me = std::static_pointer_cast<Device>(owner_);
-        device.write([me, child] { me->addChild(child, me->ownChildren().size()); },
-                     [me, child] {
-                         const_cast<NamedChildren<Device>&>(me->ownChildren()).erase(me->ownChildren().position(*child));
-                         child->detach();
-                     });
-        return;
-    }
-    auto& holder = static_cast<SpecHolder&>(owner());
-    auto spec = memberOf<Specification>(object, "attributes");
-    auto me = std::static_pointer_cast<SpecHolder>(owner_);
-    holder.write([me, spec] { me->addSpec(spec, me->ownSpecs().size()); },
-                 [me, spec] {
-                     const_cast<NamedChildren<Specification>&>(me->ownSpecs()).erase(me->ownSpecs().position(*spec));
-                     spec->detach();
-                 });
+    std::shared_ptr<StoredObject> member;
+    if (kind_ == Kind::Children || kind_ == Kind::Elements)
+        member = memberOf<Device>(object, "devices");
+    else
+        member = memberOf<Specification>(object, "attributes");
+    for (auto above = owner_; above; above = above->owner())
+        if (above == member)
+            throw PlatformError(err::CycleRefused, member->SystemFullName() + " cannot be put below itself");
+    const auto parent = owner_;
+    owner().write([parent, member] { parent->insertMember(member, kLast); },
+                  [parent, member] {
+                      parent->removeMember(*member);
+                      member->detach();
+                  });
 }
 
 ObjectRef MemberCollection::Detach(const ObjectRef& object)
 {
-    snapshot_.reset();
     auto member = std::dynamic_pointer_cast<StoredObject>(object);
     if (!member || member->owner() != owner_) return nullptr;
-    std::size_t at = 0;
-    std::function<void()> putBack;
-    if (auto child = std::dynamic_pointer_cast<Device>(member)) {
-        auto me = std::static_pointer_cast<Device>(owner_);
-        at = me->ownChildren().position(*child);
-        putBack = [me, child, at] { me->addChild(child, at); };
-    } else if (auto spec = std::dynamic_pointer_cast<Specification>(member)) {
-        auto me = std::static_pointer_cast<SpecHolder>(owner_);
-        at = me->ownSpecs().position(*spec);
-        putBack = [me, spec, at] { me->addSpec(spec, at); };
-    } else {
+    if (kind_ == Kind::Tables || kind_ == Kind::Rows)
         throw PlatformError(err::NotSupported, "rows and tables cannot be detached");
-    }
-    auto parent = owner_;
+    const auto parent = owner_;
+    const auto at = parent->memberPosition(*member);
     owner().write(
         [parent, member] {
             parent->removeMember(*member);
             member->detach();
         },
-        putBack);
+        [parent, member, at] { parent->insertMember(member, at); });
     return object;
 }
 

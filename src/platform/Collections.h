@@ -3,6 +3,7 @@
 #include "objectmodel/ObjectModel.h"
 #include "platform/Objects.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -33,7 +34,8 @@ private:
 
 // A live view of the members of one owner. The own kinds show the owner's own
 // members; the merged kinds add, by name, what the owner inherits, as
-// temporary objects. Changes always go to the owner's own members.
+// temporary objects, gathered again after any change to the database.
+// Changes always go to the owner's own members.
 class MemberCollection final : public ISpecCollection {
 public:
     enum class Kind { Children, Elements, OwnSpecs, Specs, Tables, Rows };
@@ -60,6 +62,7 @@ private:
     std::shared_ptr<StoredObject> owner_;
     Kind kind_;
     mutable std::optional<std::vector<ObjectRef>> snapshot_;
+    mutable std::uint64_t snapshotAt_ = 0;
 };
 
 // The languages of a project: fixed, counted from 1.

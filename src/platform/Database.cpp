@@ -67,7 +67,7 @@ public:
     {
         const auto device = std::dynamic_pointer_cast<Device>(target);
         const auto project = device ? device->storeProject() : nullptr;
-        if (!project || !project->writable()) return 1;
+        if (!project || !project->writable() || device->ReadOnly()) return 1;
         for (int i = 1; i <= objects_->Count(); ++i)
             if (asDevice(objects_->Item(i))) return 0;
         return 1;
@@ -107,25 +107,42 @@ std::uint64_t nextUniqueNumber()
     return next++;
 }
 
+namespace {
+std::atomic<std::uint64_t> changes{0};
+}
+
+std::uint64_t changeCount() { return changes; }
+void countChange() { ++changes; }
+
 // ---- UndoState ---------------------------------------------------------
 
 void UndoState::record(std::function<void()> redo, std::function<void()> undo)
 {
+    if (undone_) {
+        changes_.clear();
+        undone_ = false;
+    }
     changes_.push_back({std::move(redo), std::move(undo)});
 }
 
 void UndoState::Undo()
 {
+    if (undone_) return;
     replaying_ = true;
     for (auto it = changes_.rbegin(); it != changes_.rend(); ++it) it->undo();
     replaying_ = false;
+    undone_ = true;
+    countChange();
 }
 
 void UndoState::Redo()
 {
+    if (!undone_) return;
     replaying_ = true;
     for (auto& change : changes_) change.redo();
     replaying_ = false;
+    undone_ = false;
+    countChange();
 }
 
 // ---- StoreProject ------------------------------------------------------
@@ -277,6 +294,12 @@ std::shared_ptr<Database> Database::create()
     auto db = std::shared_ptr<Database>(new Database());
     db->workset_ = std::make_shared<StoreWorkset>(db);
     return db;
+}
+
+Database::~Database()
+{
+    for (const auto& project : projects_)
+        for (const auto& root : project->roots().items()) root->releaseLinks();
 }
 
 std::shared_ptr<StoreProject> Database::addProject(const std::string& name, std::shared_ptr<StoreProject> base)

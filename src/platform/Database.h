@@ -18,7 +18,8 @@ namespace pipespec::platform {
 class Database;
 
 // The changes of one user action, in the order they were made. Undo reverts
-// them newest first; Redo makes them again.
+// them newest first; Redo makes them again. Each is taken once in turn, and a
+// change recorded after Undo starts the action afresh.
 class UndoState final : public IUndoState {
 public:
     void record(std::function<void()> redo, std::function<void()> undo);
@@ -34,6 +35,7 @@ private:
     };
     std::vector<Change> changes_;
     bool replaying_ = false;
+    bool undone_ = false;
 };
 
 class StoreProject final : public IProject, public std::enable_shared_from_this<StoreProject> {
@@ -155,6 +157,8 @@ private:
 class Database final : public std::enable_shared_from_this<Database> {
 public:
     static std::shared_ptr<Database> create();
+    // Lets go of the links between objects, so that closing frees them all.
+    ~Database();
 
     std::shared_ptr<StoreProject> addProject(const std::string& name, std::shared_ptr<StoreProject> base = nullptr);
     std::shared_ptr<StoreProject> project(std::string_view name) const;
@@ -174,5 +178,9 @@ private:
 
 // The next running number for UniqueId.
 std::uint64_t nextUniqueNumber();
+// Counts the changes to any database, so that a view can tell that what it
+// has gathered may be out of date.
+std::uint64_t changeCount();
+void countChange();
 
 }  // namespace pipespec::platform

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -32,10 +33,11 @@ public:
         return items_.size();
     }
 
+    // At a position past the end, the member goes last.
     void insert(std::size_t at, std::shared_ptr<T> member)
     {
         index_.emplace(member->Name(), member);
-        items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(at), std::move(member));
+        items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(std::min(at, items_.size())), std::move(member));
     }
     void append(std::shared_ptr<T> member) { insert(items_.size(), std::move(member)); }
 

@@ -43,7 +43,7 @@ StoredObject::StoredObject(const StoredObject& other)
       xml_(other.XmlText()),
       project_(other.project_),
       id_(nextUniqueNumber()),
-      folder_(other.folder_)
+      folder_(other.IsFolder())
 {
 }
 
@@ -96,7 +96,11 @@ bool StoredObject::CanMakePersistent() const
     if (!origin_ || readOnly_ || origin_->ReadOnly()) return false;
     const auto project = storeProject();
     const auto workset = project ? project->Workset() : nullptr;
-    return workset && workset->CurrentProject() == project && project->writable();
+    if (!workset || workset->CurrentProject() != project || !project->writable()) return false;
+    // It is stored in its owner, and a temporary owner has to be stored first.
+    const auto parent = owner();
+    if (!parent || parent->IsDeleted()) return false;
+    return parent->SystemTemporary() ? parent->CanMakePersistent() : !parent->ReadOnly();
 }
 
 void StoredObject::checkWritable() const
@@ -104,9 +108,10 @@ void StoredObject::checkWritable() const
     if (deleted_) throw PlatformError(err::Deleted, SystemFullName() + " is deleted");
     if (origin_) throw PlatformError(err::ReadOnly, SystemFullName() + " is inherited; make it persistent before writing");
     if (readOnly_) throw PlatformError(err::ReadOnly, SystemFullName() + " is read-only");
-    // An unowned copy is not yet in any project's care.
+    // An unowned copy is not yet in any project's care; the fixed roots are.
     const auto project = storeProject();
-    if (project && !owner_.expired() && !project->writable())
+    if (!project || project->writable()) return;
+    if (!owner_.expired() || project->root(name_).get() == this || project->tableRoot().get() == this)
         throw PlatformError(err::ReadOnly, "no write access to project " + project->Name());
 }
 
@@ -114,6 +119,7 @@ void StoredObject::write(const std::function<void()>& apply, std::function<void(
 {
     checkWritable();
     apply();
+    countChange();
     const auto project = storeProject();
     const auto workset = project ? std::static_pointer_cast<StoreWorkset>(project->Workset()) : nullptr;
     if (auto* undo = workset ? workset->recorder() : nullptr) undo->record(apply, std::move(revert));
@@ -146,28 +152,35 @@ int StoredObject::Delete()
     checkWritable();
     const auto parent = owner();
     if (!parent) throw PlatformError(err::InvalidCall, SystemFullName() + " is not in the database");
+    // The owner loses a member, so it has to be writable too.
+    parent->checkWritable();
     auto me = shared_from_this();
-    const auto remove = [me, parent] {
-        parent->removeMember(*me);
-        me->markDeleted(true);
-    };
     // Undo puts the object back where it stood.
-    std::size_t at = 0;
-    if (auto* device = dynamic_cast<Device*>(parent.get()); device && dynamic_cast<Device*>(this))
-        at = device->ownChildren().position(static_cast<const Device&>(*this));
-    else if (auto* holder = dynamic_cast<SpecHolder*>(parent.get()); holder && dynamic_cast<Specification*>(this))
-        at = holder->ownSpecs().position(static_cast<const Specification&>(*this));
-    const auto restore = [me, parent, at] {
-        me->markDeleted(false);
-        if (auto device = std::dynamic_pointer_cast<Device>(parent)) {
-            if (auto child = std::dynamic_pointer_cast<Device>(me)) device->addChild(child, at);
-        }
-        if (auto holder = std::dynamic_pointer_cast<SpecHolder>(parent)) {
-            if (auto spec = std::dynamic_pointer_cast<Specification>(me)) holder->addSpec(spec, at);
-        }
-    };
-    write(remove, restore);
+    const auto at = parent->memberPosition(*this);
+    write(
+        [me, parent] {
+            parent->removeMember(*me);
+            me->markDeleted(true);
+        },
+        [me, parent, at] {
+            me->markDeleted(false);
+            parent->insertMember(me, at);
+        });
     return 0;
+}
+
+void StoredObject::adopt(const std::shared_ptr<StoredObject>& member)
+{
+    auto me = shared_from_this();
+    write(
+        [me, member] {
+            me->insertMember(member, kLast);
+            member->markDeleted(false);
+        },
+        [me, member] {
+            me->removeMember(*member);
+            member->markDeleted(true);
+        });
 }
 
 // ---- SpecHolder --------------------------------------------------------
@@ -256,7 +269,6 @@ void SpecHolder::addSpec(const std::shared_ptr<Specification>& spec, std::size_t
 {
     specs_.insert(at, spec);
     spec->attachTo(shared_from_this(), storeProject());
-    specProxies_.erase(spec->Name());
 }
 
 std::shared_ptr<Specification> SpecHolder::createSpec(std::string_view name)
@@ -264,10 +276,14 @@ std::shared_ptr<Specification> SpecHolder::createSpec(std::string_view name)
     if (specs_.contains(name))
         throw PlatformError(err::NameInUse, SystemFullName() + " already has an attribute '" + std::string(name) + "'");
     auto spec = Specification::create(std::string(name));
-    auto me = self<SpecHolder>(*this);
-    write([me, spec] { me->addSpec(spec, me->specs_.size()); },
-          [me, spec] { me->specs_.erase(me->specs_.position(*spec)); });
+    adopt(spec);
     return spec;
+}
+
+std::size_t SpecHolder::memberPosition(const StoredObject& member) const
+{
+    const auto* spec = dynamic_cast<const Specification*>(&member);
+    return spec ? specs_.position(*spec) : kLast;
 }
 
 void SpecHolder::removeMember(StoredObject& member)
@@ -276,6 +292,11 @@ void SpecHolder::removeMember(StoredObject& member)
         const auto at = specs_.position(*spec);
         if (at < specs_.size()) specs_.erase(at);
     }
+}
+
+void SpecHolder::insertMember(const std::shared_ptr<StoredObject>& member, std::size_t at)
+{
+    if (auto spec = std::dynamic_pointer_cast<Specification>(member)) addSpec(spec, at);
 }
 
 void SpecHolder::markDeleted(bool deleted)
@@ -335,6 +356,14 @@ void Device::renameMember(const StoredObject& member, const std::string& from, c
     SpecHolder::renameMember(member, from, to);
 }
 
+void Device::copyStoredFields(const Device& from)
+{
+    description_ = from.description_;
+    xml_ = from.xml_;
+    folder_ = from.folder_;
+    createOption_ = from.createOption_;
+}
+
 void Device::MakePersistent()
 {
     if (!origin_) return;
@@ -342,14 +371,15 @@ void Device::MakePersistent()
     const auto parent = std::dynamic_pointer_cast<Device>(owner());
     if (!parent) throw PlatformError(err::InvalidCall, SystemFullName() + " has no owner to be stored in");
     auto me = self<Device>(*this);
-    const auto origin = origin_;
+    const auto origin = std::static_pointer_cast<Device>(origin_);
     parent->write(
-        [me, parent] {
+        [me, parent, origin] {
+            me->copyStoredFields(origin->stored<Device>());
             me->origin_.reset();
-            parent->addChild(me, parent->children_.size());
+            parent->addChild(me, kLast);
         },
         [me, parent, origin] {
-            parent->children_.erase(parent->children_.position(*me));
+            parent->removeMember(*me);
             me->origin_ = origin;
         });
 }
@@ -432,7 +462,6 @@ void Device::addChild(const std::shared_ptr<Device>& child, std::size_t at)
 {
     children_.insert(at, child);
     child->attachTo(shared_from_this(), storeProject());
-    childProxies_.erase(child->Name());
 }
 
 std::shared_ptr<Device> Device::createChild(std::string_view name)
@@ -440,10 +469,14 @@ std::shared_ptr<Device> Device::createChild(std::string_view name)
     if (children_.contains(name))
         throw PlatformError(err::NameInUse, SystemFullName() + " already has an element '" + std::string(name) + "'");
     auto child = Device::create(std::string(name), storeProject());
-    auto me = self<Device>(*this);
-    write([me, child] { me->addChild(child, me->children_.size()); },
-          [me, child] { me->children_.erase(me->children_.position(*child)); });
+    adopt(child);
     return child;
+}
+
+std::size_t Device::memberPosition(const StoredObject& member) const
+{
+    if (const auto* child = dynamic_cast<const Device*>(&member)) return children_.position(*child);
+    return SpecHolder::memberPosition(member);
 }
 
 void Device::removeMember(StoredObject& member)
@@ -456,10 +489,24 @@ void Device::removeMember(StoredObject& member)
     SpecHolder::removeMember(member);
 }
 
+void Device::insertMember(const std::shared_ptr<StoredObject>& member, std::size_t at)
+{
+    if (auto child = std::dynamic_pointer_cast<Device>(member)) return addChild(child, at);
+    SpecHolder::insertMember(member, at);
+}
+
 void Device::markDeleted(bool deleted)
 {
     SpecHolder::markDeleted(deleted);
     for (const auto& child : children_.items()) child->markDeleted(deleted);
+}
+
+void Device::releaseLinks()
+{
+    for (const auto& child : children_.items()) child->releaseLinks();
+    cdevice_.reset();
+    childProxies_.clear();
+    specProxies_.clear();
 }
 
 // ---- Specification -----------------------------------------------------
@@ -486,7 +533,12 @@ void Specification::copyStoredFields(const Specification& from)
     inheritedChapter_ = from.inheritedChapter_;
     type_ = from.type_;
     locked_ = from.locked_;
-    if (from.extras_) extras_ = std::make_unique<Extras>(*from.extras_);
+    // Changes recorded for undo refer to the fields of extras_, so it is
+    // refilled in place, never replaced.
+    if (from.extras_)
+        editExtras() = *from.extras_;
+    else if (extras_)
+        *extras_ = Extras{};
     description_ = from.description_;
     xml_ = from.xml_;
 }
@@ -523,10 +575,10 @@ void Specification::MakePersistent()
         [me, parent, origin] {
             me->copyStoredFields(origin->stored<Specification>());
             me->origin_.reset();
-            parent->addSpec(me, parent->ownSpecs().size());
+            parent->addSpec(me, kLast);
         },
         [me, parent, origin] {
-            const_cast<NamedChildren<Specification>&>(parent->ownSpecs()).erase(parent->ownSpecs().position(*me));
+            parent->removeMember(*me);
             me->origin_ = origin;
         });
 }
@@ -692,7 +744,7 @@ std::string Specification::ValueOfDisplayText(std::string_view displayText) cons
 bool Specification::IsValueLocked(int) const
 {
     const auto project = storeProject();
-    return locked_ || readOnly_ || (project && !project->writable());
+    return stored<Specification>().locked_ || readOnly_ || (project && !project->writable());
 }
 
 // ---- Standard tables ---------------------------------------------------
@@ -771,13 +823,7 @@ std::shared_ptr<StandardTable> StandardTable::createChild(std::string_view name)
 {
     if (tables_.contains(name)) throw PlatformError(err::NameInUse, SystemFullName() + " already has a table '" + std::string(name) + "'");
     auto table = create(std::string(name), storeProject());
-    auto me = self<StandardTable>(*this);
-    write(
-        [me, table] {
-            me->tables_.append(table);
-            table->attachTo(me, me->storeProject());
-        },
-        [me, table] { me->tables_.erase(me->tables_.position(*table)); });
+    adopt(table);
     return table;
 }
 
@@ -785,14 +831,15 @@ std::shared_ptr<platform::StandardValue> StandardTable::createRow(std::string_vi
 {
     if (rows_.contains(name)) throw PlatformError(err::NameInUse, SystemFullName() + " already has a row '" + std::string(name) + "'");
     auto row = std::make_shared<platform::StandardValue>(std::string(name));
-    auto me = self<StandardTable>(*this);
-    write(
-        [me, row] {
-            me->rows_.append(row);
-            row->attachTo(me, me->storeProject());
-        },
-        [me, row] { me->rows_.erase(me->rows_.position(*row)); });
+    adopt(row);
     return row;
+}
+
+std::size_t StandardTable::memberPosition(const StoredObject& member) const
+{
+    if (const auto* row = dynamic_cast<const platform::StandardValue*>(&member)) return rows_.position(*row);
+    if (const auto* table = dynamic_cast<const StandardTable*>(&member)) return tables_.position(*table);
+    return kLast;
 }
 
 void StandardTable::removeMember(StoredObject& member)
@@ -804,6 +851,30 @@ void StandardTable::removeMember(StoredObject& member)
         const auto at = tables_.position(*table);
         if (at < tables_.size()) tables_.erase(at);
     }
+}
+
+void StandardTable::insertMember(const std::shared_ptr<StoredObject>& member, std::size_t at)
+{
+    if (auto row = std::dynamic_pointer_cast<platform::StandardValue>(member))
+        rows_.insert(at, row);
+    else if (auto table = std::dynamic_pointer_cast<StandardTable>(member))
+        tables_.insert(at, table);
+    else
+        return;
+    member->attachTo(shared_from_this(), storeProject());
+}
+
+bool StandardTable::memberNameTaken(const StoredObject& member, std::string_view name) const
+{
+    return dynamic_cast<const platform::StandardValue*>(&member) ? rows_.contains(name) : tables_.contains(name);
+}
+
+void StandardTable::renameMember(const StoredObject& member, const std::string& from, const std::string& to)
+{
+    if (dynamic_cast<const platform::StandardValue*>(&member))
+        rows_.rename(from, to);
+    else
+        tables_.rename(from, to);
 }
 
 void StandardTable::markDeleted(bool deleted)

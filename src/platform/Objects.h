@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -24,6 +25,9 @@ class Device;
 class Specification;
 class StandardTable;
 
+// A position past the last member: insertMember puts the member last.
+inline constexpr std::size_t kLast = std::numeric_limits<std::size_t>::max();
+
 // What every object of the database has: name, description, owner, project,
 // the temporary state, deletion. Every change goes through write(), which
 // refuses what may not be changed and records the change for undo.
@@ -33,7 +37,7 @@ public:
     void SetName(std::string_view name) override;
     std::string Description() const override;
     void SetDescription(std::string_view text) override;
-    bool IsFolder() const override { return folder_; }
+    bool IsFolder() const override { return origin_ ? origin_->IsFolder() : folder_; }
     WorksetRef Workset() const override;
     std::string UniqueId() const override;
     ObjectRef Owner() const override { return owner_.lock(); }
@@ -62,8 +66,12 @@ public:
     void detach();
     // Marks this object and everything below it deleted (or not, for undo).
     virtual void markDeleted(bool deleted);
-    // The owner's side of a member's deletion or detaching.
+    // The owner's side of deleting, moving and undoing: where a member stands
+    // among the members of its kind (kLast if it is none), taking it out, and
+    // putting it in at a position (kLast: last).
+    virtual std::size_t memberPosition(const StoredObject&) const { return kLast; }
     virtual void removeMember(StoredObject&) {}
+    virtual void insertMember(const std::shared_ptr<StoredObject>&, std::size_t) {}
 
     // Runs a change after the checks, and records how to undo and redo it.
     void write(const std::function<void()>& apply, std::function<void()> revert);
@@ -84,6 +92,8 @@ protected:
 
     // May this object be written now? Throws a clear error if not.
     void checkWritable() const;
+    // Puts a new member in last, with undo; undone, the member reports deleted.
+    void adopt(const std::shared_ptr<StoredObject>& member);
     // Stores the owner first if it is itself temporary.
     void persistOwner();
     // Reads of a temporary object come from what it stands for.
@@ -131,16 +141,21 @@ public:
     // What this holder inherits from, nearest first.
     virtual std::vector<std::shared_ptr<SpecHolder>> inheritanceSources() const = 0;
 
+    std::size_t memberPosition(const StoredObject& member) const override;
+    void removeMember(StoredObject& member) override;
+    void insertMember(const std::shared_ptr<StoredObject>& member, std::size_t at) override;
+
 protected:
     using StoredObject::StoredObject;
     SpecHolder(const SpecHolder& other);
-    void removeMember(StoredObject& member) override;
     bool memberNameTaken(const StoredObject& member, std::string_view name) const override;
     void renameMember(const StoredObject& member, const std::string& from, const std::string& to) override;
     void markDeleted(bool deleted) override;
     void attachTo(const std::shared_ptr<StoredObject>& owner, const std::shared_ptr<StoreProject>& project) override;
 
     NamedChildren<Specification> specs_;
+    // A proxy stays here while an own member of its name hides it, so that the
+    // same object comes back when that member goes (undo of MakePersistent).
     mutable std::unordered_map<std::string, std::shared_ptr<Specification>> specProxies_;
 };
 
@@ -177,6 +192,10 @@ public:
     std::shared_ptr<Device> createChild(std::string_view name);
     // Where the running numbers of new children go on, per name pattern.
     long& nameCursor(const std::string& pattern) const { return nameCursors_[pattern]; }
+    // On closing the database: lets go of the base objects and the cached
+    // inherited objects here and below, as these links can run in circles
+    // through the trees that own them (pipe classes used as each other's elements).
+    void releaseLinks();
 
     std::vector<std::shared_ptr<SpecHolder>> inheritanceSources() const override;
 
@@ -185,13 +204,18 @@ public:
     Device(const Device& other);
 
 private:
+    std::size_t memberPosition(const StoredObject& member) const override;
     void removeMember(StoredObject& member) override;
+    void insertMember(const std::shared_ptr<StoredObject>& member, std::size_t at) override;
     bool memberNameTaken(const StoredObject& member, std::string_view name) const override;
     void renameMember(const StoredObject& member, const std::string& from, const std::string& to) override;
     void markDeleted(bool deleted) override;
     void attachTo(const std::shared_ptr<StoredObject>& owner, const std::shared_ptr<StoreProject>& project) override;
+    // What a temporary device showed, kept when it is stored.
+    void copyStoredFields(const Device& from);
 
     NamedChildren<Device> children_;
+    // Kept while hidden by an own child of the same name, as the attribute proxies are.
     mutable std::unordered_map<std::string, std::shared_ptr<Device>> childProxies_;
     mutable std::unordered_map<std::string, long> nameCursors_;
     std::shared_ptr<Device> cdevice_;
@@ -313,7 +337,11 @@ public:
     StandardTable(std::string name, std::shared_ptr<StoreProject> project);
 
 private:
+    std::size_t memberPosition(const StoredObject& member) const override;
     void removeMember(StoredObject& member) override;
+    void insertMember(const std::shared_ptr<StoredObject>& member, std::size_t at) override;
+    bool memberNameTaken(const StoredObject& member, std::string_view name) const override;
+    void renameMember(const StoredObject& member, const std::string& from, const std::string& to) override;
     void markDeleted(bool deleted) override;
     NamedChildren<StandardTable> tables_;
     NamedChildren<platform::StandardValue> rows_;
