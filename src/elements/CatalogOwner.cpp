@@ -23,6 +23,33 @@ bool isBoltByVSTD(const DeviceRef& element)
     const auto vstd = element->Spec(diagnostics::names().Pipe().VSTD());
     return vstd && vstd->Value() == "BOLT";
 }
+
+// Whether a component is bolting, and whether its function code said so.
+struct Bolting {
+    bool bolt = false;
+    bool byCode = false;
+};
+
+Bolting boltingOf(const DeviceRef& element, const Trace& trace)
+{
+    const auto vfcd = must(element).Spec(diagnostics::names().GD().VFCD());
+    if (!vfcd) return {isBoltByVSTD(element), false};
+    const auto VFCDVal = vfcd->Value();
+    trace.text("VFCDVal = " + VFCDVal);
+    if (VFCDVal.empty()) return {isBoltByVSTD(element), false};
+    const auto code = text::CLng(VFCDVal);
+    const bool bolt = kFirstBoltCode <= code && code < kEndBoltCode;
+    return {bolt, bolt};
+}
+
+// The catalogue node "@PCOM" beside the root of the pipe classes, if there is one.
+DeviceRef catalogueNode(const DeviceRef& element)
+{
+    auto root = must(must(element).Workset()).Globals()->PipeClassRootCDevice();
+    if (!root) return nullptr;
+    if (const auto base = root->CDevice()) root = base;
+    return asDevice(must(asDevice(root->Owner())).CDevices()->Item("@PCOM"));
+}
 }  // namespace
 
 void InitCatalogOwner(DeviceRef& CatalogOwner, const DeviceRef& element, const DeviceRef& mPipeClass)
@@ -31,34 +58,17 @@ void InitCatalogOwner(DeviceRef& CatalogOwner, const DeviceRef& element, const D
     trace.enter();
     Procedure(cls::AddToPipeClass, "Sub InitCatalogOwner").run([&] {
         CatalogOwner = mPipeClass;
-        const auto& names = diagnostics::names();
-
-        bool bolt = false;
-        bool boltByCode = false;
-        const auto vfcd = must(element).Spec(names.GD().VFCD());
-        const auto VFCDVal = vfcd ? vfcd->Value() : std::string();
-        if (vfcd) trace.text("VFCDVal = " + VFCDVal);
-        if (VFCDVal.empty()) {
-            bolt = isBoltByVSTD(element);
-        } else {
-            const auto code = text::CLng(VFCDVal);
-            bolt = kFirstBoltCode <= code && code < kEndBoltCode;
-            boltByCode = bolt;
+        const auto kind = boltingOf(element, trace);
+        if (diagnostics::names().IsBaseDatabase()) {
+            const auto path = kind.bolt ? kBoltingOwnerPath : kOrdinaryOwnerPath;
+            CatalogOwner = asDevice(must(element->Project()).ObjectByPath(path, kByPath));
+        } else if (const auto node = catalogueNode(element)) {
+            // Only a code marks bolting here: a component that is bolting by its
+            // VSTD alone still takes the ordinary node, unlike the path above.
+            CatalogOwner = asDevice(node->Devices()->Item(kind.byCode ? "BOLTING" : "PCOM"));
         }
-
-        if (names.IsBaseDatabase()) {
-            CatalogOwner = asDevice(must(element->Project()).ObjectByPath(bolt ? kBoltingOwnerPath : kOrdinaryOwnerPath, kByPath));
-            return;
-        }
-        // Only a code marks bolting here: a component that is bolting by its
-        // VSTD alone still takes the ordinary node, unlike the path above.
-        auto root = must(element->Workset()).Globals()->PipeClassRootCDevice();
-        if (!root) return;
-        if (root->CDevice()) root = root->CDevice();
-        const auto node = asDevice(must(asDevice(root->Owner())).CDevices()->Item("@PCOM"));
-        if (node) CatalogOwner = asDevice(node->Devices()->Item(boltByCode ? "BOLTING" : "PCOM"));
+        trace.leave();
     });
-    trace.leave();
 }
 
 void CalcMinMaxSpec(const SpecRef& NameRangeChapter, const std::string& SpecName, const DeviceRef& mPipeClass)
@@ -71,21 +81,24 @@ void CalcMinMaxSpec(const SpecRef& NameRangeChapter, const std::string& SpecName
         trace.object("mPipeClass", mPipeClass);
         const auto MinMaxSpec = must(NameRangeChapter).Spec(SpecName);
         trace.object("MinMaxSpec", MinMaxSpec);
-        if (!MinMaxSpec || !MinMaxSpec->DisplayValue().empty()) return;
-
-        auto QSpec = must(mPipeClass).Spec(MinMaxSpec->NestedName());
-        if (!QSpec) return;
-        if (QSpec->StandardTable() != MinMaxSpec->StandardTable()) {
-            QSpec = GetNormDimensionSpec(NameRangeChapter, SpecName);
-            if (!QSpec) return trace.leaveText("QSpec Is Nothing");
+        // A bound that shows a value is never overwritten.
+        if (MinMaxSpec && MinMaxSpec->DisplayValue().empty()) {
+            if (auto QSpec = must(mPipeClass).Spec(MinMaxSpec->NestedName())) {
+                // The pipe class's bound is of no use on another value list; the
+                // norm dimensions may hold one on the bound's own list.
+                if (QSpec->StandardTable() != MinMaxSpec->StandardTable()) {
+                    QSpec = GetNormDimensionSpec(NameRangeChapter, SpecName);
+                    if (!QSpec) return trace.leaveText("QSpec Is Nothing");
+                }
+                if (QSpec->StandardTable() == MinMaxSpec->StandardTable() && QSpec->Value() != MinMaxSpec->Value()) {
+                    if (MinMaxSpec->SystemTemporary() && MinMaxSpec->CanMakePersistent()) MinMaxSpec->MakePersistent();
+                    if (!MinMaxSpec->IsValueLocked(0) && !MinMaxSpec->SystemTemporary())
+                        MinMaxSpec->SetValue(QSpec->Value());
+                }
+            }
         }
-        if (QSpec->StandardTable() != MinMaxSpec->StandardTable()) return;
-
-        if (QSpec->Value() == MinMaxSpec->Value()) return;
-        if (MinMaxSpec->SystemTemporary() && MinMaxSpec->CanMakePersistent()) MinMaxSpec->MakePersistent();
-        if (!MinMaxSpec->IsValueLocked(0) && !MinMaxSpec->SystemTemporary()) MinMaxSpec->SetValue(QSpec->Value());
+        trace.leave();
     });
-    trace.leave();
 }
 
 SpecRef GetNormDimensionSpec(const SpecRef& NameRangeChapter, const std::string& SpecName)
@@ -98,7 +111,7 @@ SpecRef GetNormDimensionSpec(const SpecRef& NameRangeChapter, const std::string&
             if (const auto reference = must(NameRangeChapter).Spec(names.NormDimensionRef())) {
                 const auto workset = NameRangeChapter->Workset();
                 // Called for its effect: it makes the workset's norm dimensions available.
-                must(workset).LateBoundTools()->StdValues3D(NameRangeChapter->Project());
+                must(must(workset).LateBoundTools()).StdValues3D(NameRangeChapter->Project());
                 normObject = workset->Globals()->getOption(kNormDimensionOption).objectAs<IDevice>();
                 if (normObject) normObject = asDevice(normObject->Devices()->Item(reference->ValueText()));
             }

@@ -24,13 +24,17 @@ DeviceRef topOfBaseChain(DeviceRef device)
     return device;
 }
 
-// The catalogue root an element stands for: a pipe class used as an element
-// counts by its own base object, anything else by the top of its chain.
-DeviceRef rootOfElement(const DeviceRef& element)
+// Whether an element was made from that catalogue root: a pipe class used as
+// an element counts by its own base object, anything else by the top of its
+// chain. Reading the function code costs far more than following the chain, so
+// it is read only where one of the two candidates is the root.
+bool madeFromRoot(const DeviceRef& element, const DeviceRef& root)
 {
-    if (!IsPipeClass(element)) return topOfBaseChain(element);
+    const auto top = topOfBaseChain(element);
     const auto base = element->CDevice();
-    return base ? base : element;
+    const auto own = base ? base : element;
+    if (!same(top, root) && !same(own, root)) return false;
+    return same(IsPipeClass(element) ? own : top, root);
 }
 
 // The first element of the class made from the same catalogue root.
@@ -38,7 +42,7 @@ DeviceRef firstElementWithRoot(const IObjectCollection& elements, const DeviceRe
 {
     for (std::int16_t i = 1; i <= elements.Count(); i = text::Inc16(i)) {
         const auto element = asDevice(elements.Item(i));
-        if (same(rootOfElement(element), root)) return element;
+        if (madeFromRoot(element, root)) return element;
     }
     return nullptr;
 }
@@ -52,10 +56,15 @@ bool confirmDuplicate(const DeviceRef& existing)
     return host.MessageBox(question, mb::YesNoExclamation, host.Translate(msg::NewPipeClassElement)) != mb::AnswerNo;
 }
 
+bool inCurrentProject(const ISpecification& chapter)
+{
+    return chapter.Project() == must(chapter.Workset()).CurrentProject();
+}
+
 // Gives a new element its name-range chapter, following the catalogue owner's
 // chapter, or the pipe class's when no owner is found. Empty when the pipe
 // class has no such chapter, which is told to the user.
-SpecRef makeNameRangeChapter(const DeviceRef& element, const DeviceRef& mPipeClass, DeviceRef& CatalogOwner, Trace& trace)
+SpecRef makeNameRangeChapter(const DeviceRef& element, const DeviceRef& mPipeClass, const Trace& trace)
 {
     const auto& name = diagnostics::names().NameRange();
     auto source = mPipeClass->Spec(name);
@@ -65,22 +74,24 @@ SpecRef makeNameRangeChapter(const DeviceRef& element, const DeviceRef& mPipeCla
                         host.Translate(msg::ErrorInPipeClassObject));
         return nullptr;
     }
+    DeviceRef CatalogOwner;
     InitCatalogOwner(CatalogOwner, element, mPipeClass);
     trace.object("CatalogOwner", CatalogOwner);
     if (CatalogOwner) source = CatalogOwner->Spec(name);
     trace.object("CatalogNameRangeChapter", source);
 
-    const auto inCurrentProject = [&] { return must(source).Project() == must(source->Workset()).CurrentProject(); };
+    // A chapter of another project cannot be inherited from: it is copied.
+    auto& sourceChapter = must(source);
     SpecRef chapter;
-    if (!inCurrentProject()) {
+    if (!inCurrentProject(sourceChapter)) {
         InheritInChapter(element, name, source);
         chapter = asSpec(element->SpecsByName()->Item(name));
     } else {
         chapter = asSpec(element->SpecsByName()->CreateNewWithName(name));
     }
     must(chapter).MakePersistent();
-    source->MakePersistent();
-    if (inCurrentProject()) chapter->InheritFrom(source);
+    sourceChapter.MakePersistent();
+    if (inCurrentProject(sourceChapter)) chapter->InheritFrom(source);
     return chapter;
 }
 }  // namespace
@@ -184,23 +195,25 @@ DeviceRef NewPipeSpecElement(DeviceRef CDevObject, const DeviceRef& mPipeClass, 
 
         // The name-range chapter.
         const auto& names = diagnostics::names();
-        DeviceRef CatalogOwner;
         auto chapter = asSpec(element->Specs()->Item(names.NameRange()));
         if (!chapter)
-            chapter = makeNameRangeChapter(element, mPipeClass, CatalogOwner, trace);
+            chapter = makeNameRangeChapter(element, mPipeClass, trace);
         else if (chapter->SystemTemporary())
             chapter->MakePersistent();
         trace.object("NameRangeChapter", chapter);
-        if (chapter) trace.text("NameRangeChapter.SystemTemporary = " + boolText(chapter->SystemTemporary()));
-
-        // Minimum, then maximum.
         if (chapter) {
+            trace.text("NameRangeChapter.SystemTemporary = " + boolText(chapter->SystemTemporary()));
+            // Minimum, then maximum.
             chapter->RefreshSpecs();
             CalcMinMaxSpec(chapter, names.NameRangeLowerAttr(), mPipeClass);
             CalcMinMaxSpec(chapter, names.NameRangeUpperAttr(), mPipeClass);
         }
 
         sharedPCOMRange().InitNDRange(element, mPipeClass);
+
+        // Classes with the PDMS chapter are built like any other class for now:
+        // the update of their design-system attributes and selector questions
+        // belongs here, once it exists.
 
         DropCachedEntry(*must(workset).Globals(), mPipeClass);
         CheckSchedule();

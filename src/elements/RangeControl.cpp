@@ -4,6 +4,7 @@
 #include "objectmodel/Text.h"
 
 #include <optional>
+#include <utility>
 
 namespace pipespec::addtopipeclass {
 
@@ -23,9 +24,15 @@ std::string attributeName(const std::string& qualified)
     const auto dot = qualified.rfind('.');
     return dot == std::string::npos ? qualified : qualified.substr(dot + 1);
 }
+
+std::shared_ptr<IRangeControl>& sharedSlot()
+{
+    static std::shared_ptr<IRangeControl> slot;
+    return slot;
+}
 }  // namespace
 
-void PCOMRangeControl::InitNDRange(const DeviceRef& element, const DeviceRef& pipeClass) const
+void PCOMRangeControl::InitNDRange(const DeviceRef& element, const DeviceRef& pipeClass)
 {
     if (!element || !pipeClass) return;
     const auto& names = diagnostics::names();
@@ -35,12 +42,11 @@ void PCOMRangeControl::InitNDRange(const DeviceRef& element, const DeviceRef& pi
     if (!chapter) return;
 
     auto range = element->Spec(names.NameRangeListAttr());
-    if (range && range->RowCount() > 0) return;
-    if (!range) {
+    if (range && !range->SystemTemporary() && range->RowCount() > 0) return;
+    if (!range || range->SystemTemporary()) {
         if (!makePersistent(*chapter)) return;
         range = asSpec(chapter->OwnSpecifications()->CreateNewWithName(attributeName(names.NameRangeListAttr())));
     }
-    if (!makePersistent(must(range))) return;
 
     const auto lower = boundOf(*element, names.NameRange(), names.NameRangeLowerAttr());
     const auto upper = boundOf(*element, names.NameRange(), names.NameRangeUpperAttr());
@@ -50,14 +56,21 @@ void PCOMRangeControl::InitNDRange(const DeviceRef& element, const DeviceRef& pi
         if (!text::IsNumeric(diameter)) continue;
         const double dn = text::CDbl(diameter);
         if ((lower && dn < *lower) || (upper && dn > *upper)) continue;
-        range->SetXValue(next++, diameter);
+        must(range).SetXValue(next++, diameter);
     }
 }
 
-const PCOMRangeControl& sharedPCOMRange()
+IRangeControl& sharedPCOMRange()
 {
-    static const PCOMRangeControl instance;
-    return instance;
+    auto& slot = sharedSlot();
+    if (!slot) slot = std::make_shared<PCOMRangeControl>();
+    return *slot;
+}
+
+std::shared_ptr<IRangeControl> setSharedPCOMRange(std::shared_ptr<IRangeControl> replacement)
+{
+    sharedSlot().swap(replacement);
+    return replacement;
 }
 
 }  // namespace pipespec::addtopipeclass

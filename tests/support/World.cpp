@@ -54,6 +54,38 @@ SpecRef World::attribute(const DeviceRef& device, const std::string& qualifiedNa
     return spec;
 }
 
+std::string World::value(const ObjectRef& object, const std::string& qualifiedName) const
+{
+    const auto spec = must(object).Spec(qualifiedName);
+    return spec ? spec->Value() : "(none)";
+}
+
+SpecRef World::list(const DeviceRef& device, const std::string& qualifiedName,
+                    const std::vector<std::string>& values) const
+{
+    auto spec = attribute(device, qualifiedName, "");
+    for (std::size_t i = 0; i < values.size(); ++i) spec->SetXValue(static_cast<int>(i), values[i]);
+    return spec;
+}
+
+DeviceRef World::path(const std::shared_ptr<platform::StoreProject>& project, const std::string& path) const
+{
+    DeviceRef at;
+    std::string_view rest = path;
+    while (!rest.empty()) {
+        const auto bar = rest.find('|');
+        const std::string name(rest.substr(0, bar));
+        rest = bar == std::string_view::npos ? std::string_view() : rest.substr(bar + 1);
+        if (!at) {
+            at = root(project, name);
+            continue;
+        }
+        auto existing = asDevice(at->OwnElements()->Item(name));
+        at = existing ? existing : device(at, name);
+    }
+    return at;
+}
+
 DeviceRef World::pipeClass(const DeviceRef& owner, const std::string& name, const std::string& code, bool pdms,
                            bool nameRange) const
 {
@@ -75,7 +107,15 @@ std::shared_ptr<platform::StandardTable> World::table(const std::shared_ptr<plat
 }
 
 void World::setFolder(const DeviceRef& device) const { must(store(device)).setFolder(true); }
+void World::setReadOnly(const ObjectRef& object, bool readOnly) const
+{
+    must(std::dynamic_pointer_cast<platform::StoredObject>(object)).setReadOnly(readOnly);
+}
 void World::setCreateOption(const DeviceRef& device, int option) const { must(store(device)).setCreateOption(option); }
+void World::setValueLocked(const SpecRef& spec) const
+{
+    must(std::dynamic_pointer_cast<platform::Specification>(spec)).setValueLocked(true);
+}
 
 std::vector<std::string> World::traceTexts(std::string_view function) const
 {

@@ -40,6 +40,14 @@ public:
     DeviceRef device(const DeviceRef& owner, const std::string& name, Attributes attributes = {}) const;
     // Writes (and makes, where missing) the attribute of that qualified name.
     SpecRef attribute(const DeviceRef& device, const std::string& qualifiedName, const std::string& value) const;
+    // The value of the attribute of that qualified name; "(none)" when there is none.
+    std::string value(const ObjectRef& object, const std::string& qualifiedName) const;
+    // An attribute holding a list, one indexed value per entry from 0.
+    SpecRef list(const DeviceRef& device, const std::string& qualifiedName,
+                 const std::vector<std::string>& values) const;
+    // The device at a "|" path of the project ("@40|A20|B01"), with what is
+    // missing of the path made on the way.
+    DeviceRef path(const std::shared_ptr<platform::StoreProject>& project, const std::string& path) const;
     // A pipe class of that function code; `pdms` adds the PDMS chapter,
     // `nameRange` the name-range chapter with lower and upper bound.
     DeviceRef pipeClass(const DeviceRef& owner, const std::string& name, const std::string& code, bool pdms = false,
@@ -49,7 +57,10 @@ public:
                                                    const std::string& name, std::vector<std::string> values) const;
 
     void setFolder(const DeviceRef& device) const;
+    // Marks a stored object read-only (or writable again), as a loaded file can.
+    void setReadOnly(const ObjectRef& object, bool readOnly = true) const;
     void setCreateOption(const DeviceRef& device, int option) const;
+    void setValueLocked(const SpecRef& spec) const;
 
     // The text of every TraceText line of that function, in order.
     std::vector<std::string> traceTexts(std::string_view function) const;
