@@ -15,6 +15,7 @@ inline constexpr long OutOfMemory = 7;
 inline constexpr long SubscriptOutOfRange = 9;
 inline constexpr long TypeMismatch = 13;
 inline constexpr long ObjectNotSet = 91;
+inline constexpr long CannotCreateObject = 429;  // no class of that name
 inline constexpr long DuplicateKey = 457;
 inline constexpr long NotSupported = 438;
 inline constexpr long ReadOnly = 1001;      // object or project may not be written
