@@ -29,6 +29,8 @@ struct ModuleState {
     // The norm-dimension object, chosen for the first chapter that asked and
     // kept for every later one while the process runs.
     DeviceRef NormDimensionObject;
+    // The root of the generic-type menu, found by the first question walk that needed it.
+    DeviceRef m_MenuCDev;
 };
 
 ModuleState& moduleState();
