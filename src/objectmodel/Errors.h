@@ -23,6 +23,7 @@ inline constexpr long CycleRefused = 1002;  // link would make an object its own
 inline constexpr long NameInUse = 1003;     // sibling with that name exists
 inline constexpr long Deleted = 1004;       // operation on a deleted object
 inline constexpr long Configuration = 1005; // name table or data file incomplete
+inline constexpr long FileAccess = 1006;    // database file cannot be read or written (disk, lock)
 inline constexpr long Internal = 51;
 }  // namespace err
 

@@ -101,10 +101,17 @@ private:
 };
 }  // namespace
 
-std::uint64_t nextUniqueNumber()
+namespace {
+std::atomic<std::uint64_t> nextNumber{1};
+}
+
+std::uint64_t nextUniqueNumber() { return nextNumber++; }
+
+void reserveUniqueNumbers(std::uint64_t used)
 {
-    static std::atomic<std::uint64_t> next{1};
-    return next++;
+    auto next = nextNumber.load();
+    while (next <= used && !nextNumber.compare_exchange_weak(next, used + 1)) {
+    }
 }
 
 namespace {
@@ -319,6 +326,17 @@ std::shared_ptr<StoreProject> Database::project(std::string_view name) const
     for (const auto& project : projects_)
         if (project->Name() == name) return project;
     return nullptr;
+}
+
+void Database::trackChanges(bool on)
+{
+    tracking_ = on;
+    if (!on) changes_.clear();
+}
+
+void Database::noteChange(std::shared_ptr<StoredObject> object)
+{
+    if (tracking_) changes_.insert(std::move(object));
 }
 
 ObjectRef Database::objectByFullName(std::string_view fullName, const StoreProject* within) const

@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace pipespec::platform {
@@ -110,6 +111,7 @@ public:
     void setNavigator(std::shared_ptr<INavigator> navigator) { navigator_ = std::move(navigator); }
     void setValue(const std::string& name, Variant value);
     Variant value(std::string_view name) const;
+    const std::map<std::string, Variant>& values() const { return values_; }
 
 private:
     bool designerRun_ = false;
@@ -169,8 +171,17 @@ public:
     // "PROJECT:path#nested" or, without a project prefix, within `project`.
     ObjectRef objectByFullName(std::string_view fullName, const StoreProject* project) const;
 
+    // The objects whose own fields or list of members changed, gathered
+    // while a file keeps this database, so that a save writes only those.
+    void trackChanges(bool on);
+    void noteChange(std::shared_ptr<StoredObject> object);
+    const std::unordered_set<std::shared_ptr<StoredObject>>& changes() const { return changes_; }
+    void forgetChanges() { changes_.clear(); }
+
 private:
     Database() = default;
+    std::unordered_set<std::shared_ptr<StoredObject>> changes_;
+    bool tracking_ = false;
     std::vector<std::shared_ptr<StoreProject>> projects_;
     std::shared_ptr<StoreProject> system_;
     std::shared_ptr<StoreWorkset> workset_;
@@ -178,6 +189,8 @@ private:
 
 // The next running number for UniqueId.
 std::uint64_t nextUniqueNumber();
+// Makes the running numbers go on above `used`, which a loaded object keeps.
+void reserveUniqueNumbers(std::uint64_t used);
 // Counts the changes to any database, so that a view can tell that what it
 // has gathered may be out of date.
 std::uint64_t changeCount();

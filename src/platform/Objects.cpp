@@ -120,9 +120,21 @@ void StoredObject::write(const std::function<void()>& apply, std::function<void(
     checkWritable();
     apply();
     countChange();
+    noteChange();
     const auto project = storeProject();
     const auto workset = project ? std::static_pointer_cast<StoreWorkset>(project->Workset()) : nullptr;
-    if (auto* undo = workset ? workset->recorder() : nullptr) undo->record(apply, std::move(revert));
+    auto* undo = workset ? workset->recorder() : nullptr;
+    if (!undo) return;
+    // Undo and redo change the object as much as the write did.
+    auto me = shared_from_this();
+    undo->record([me, apply] { apply(); me->noteChange(); },
+                 [me, revert = std::move(revert)] { revert(); me->noteChange(); });
+}
+
+void StoredObject::noteChange()
+{
+    const auto project = storeProject();
+    if (const auto database = project ? project->database() : nullptr) database->noteChange(shared_from_this());
 }
 
 void StoredObject::persistOwner()
@@ -155,9 +167,10 @@ int StoredObject::Delete()
     // The owner loses a member, so it has to be writable too.
     parent->checkWritable();
     auto me = shared_from_this();
-    // Undo puts the object back where it stood.
+    // Undo puts the object back where it stood. The change is the owner's:
+    // it is its list of members that loses one.
     const auto at = parent->memberPosition(*this);
-    write(
+    parent->write(
         [me, parent] {
             parent->removeMember(*me);
             me->markDeleted(true);

@@ -102,6 +102,8 @@ protected:
     {
         return origin_ ? static_cast<const T&>(*origin_).template stored<T>() : static_cast<const T&>(*this);
     }
+    // Tells the database that this object's fields or list of members changed.
+    void noteChange();
     virtual bool memberNameTaken(const StoredObject&, std::string_view) const { return false; }
     virtual void renameMember(const StoredObject&, const std::string&, const std::string&) {}
     // The path part of the full name; empty owner means "not in the database".
@@ -266,6 +268,13 @@ public:
 
     void setLinkedCount(int count);
     void setValueLocked(bool locked) { locked_ = locked; }
+    // The stored fields as they are, for saving: the plain value under the
+    // language values, and the link to whatever kind of object.
+    const std::string& plainValue() const { return value_; }
+    const std::vector<std::string>& languageValues() const { return extras().languageValues; }
+    const std::vector<std::string>& xValues() const { return extras().xValues; }
+    bool valueLocked() const { return locked_; }
+    const ObjectRef& link() const { return link_; }
     // The device the attribute belongs to, through its chapters.
     std::shared_ptr<Device> device() const;
 
