@@ -73,6 +73,22 @@ expect 2 "add without components" -- "$pipespec" add --class PC-A1-DIN
 expect 1 "messages in German" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN16 FL-WN-PN40 --lang de
 contains "messages in German" "Mindestens ein Rohrklassenelement"
 
+expect 0 "selectors" -- "$pipespec" selectors --class PC-A1-DIN
+contains "selectors" "FLAN  answer FLAN  asks SEL.PN"
+contains "selectors" "PN:40  answer 40  asks CONN.DN1"
+expect 0 "selectors of a class without a tree" -- "$pipespec" selectors --class PC-S3-STRUCT
+contains "selectors of a class without a tree" "has no selector tree"
+expect 0 "questions answered by the component" -- "$pipespec" questions --class PC-A1-DIN FL-WN-PN16 --choose cancel --json
+contains "questions answered by the component" '"question": "SEL.PN"'
+contains "questions answered by the component" '"asked": 0'
+expect 1 "questions with the choice cancelled" -- "$pipespec" questions --class PC-A1-DIN FL-WN-PN25 --choose cancel
+lacks "questions with the choice cancelled" "SEL.PN ="
+expect 0 "questions with a chosen selector" -- "$pipespec" questions --class PC-A1-DIN FL-WN-PN25 --choose 40 --json
+contains "questions with a chosen selector" '"asked": 1'
+expect 0 "questions asked on the terminal" -- sh -c "echo 2 | '$pipespec' questions --class PC-A1-DIN FL-WN-PN25 --choose ask"
+contains "questions asked on the terminal" "is ambiguous"
+contains "questions asked on the terminal" "2) 40"
+
 if [ "$failures" -ne 0 ]; then
     echo "$failures command-line checks failed"
     exit 1
