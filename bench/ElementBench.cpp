@@ -4,6 +4,7 @@
 // elements for one of the same root before each creation; the interactive
 // road does not ask and shows what creation costs without that scan.
 
+#include "BenchSupport.h"
 #include "diagnostics/HeadlessHost.h"
 #include "elements/AddToPipeClass.h"
 #include "platform/Database.h"
@@ -18,15 +19,7 @@
 namespace pipespec {
 namespace {
 
-SpecRef attribute(const DeviceRef& device, const std::string& chapter, const std::string& name,
-                  const std::string& value)
-{
-    auto own = asSpec(device->SpecsByName()->Item(chapter));
-    if (!own) own = asSpec(device->SpecsByName()->CreateNewWithName(chapter));
-    const auto spec = asSpec(own->OwnSpecifications()->CreateNewWithName(name));
-    spec->SetValue(value);
-    return spec;
-}
+using bench::attribute;
 
 // A catalogue of `count` components in the base project and an empty pipe
 // class in the plant project, offered in 20 nominal diameters.
@@ -44,8 +37,7 @@ struct Catalogue {
         const auto catalog = base->addRoot("@40");
         components.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i) {
-            std::string name = "C";
-            name += std::to_string(i);
+            const auto name = bench::numbered("C", i);
             const auto component = asDevice(catalog->OwnElements()->CreateNewWithName(name));
             attribute(component, "GD", "VFCD", "10100");
             components.push_back(component);

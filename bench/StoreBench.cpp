@@ -3,7 +3,7 @@
 // looking up an attribute through a chain of base objects, and resolving a
 // catalogue path from the plant project.
 
-#include "platform/Database.h"
+#include "BenchSupport.h"
 
 #include <benchmark/benchmark.h>
 
@@ -15,24 +15,9 @@
 namespace pipespec {
 namespace {
 
-using platform::Database;
-using platform::StoreProject;
-
-void setValue(const DeviceRef& device, const std::string& chapter, const std::string& name, const std::string& value)
-{
-    auto own = asSpec(device->SpecsByName()->Item(chapter));
-    if (!own) own = asSpec(device->SpecsByName()->CreateNewWithName(chapter));
-    asSpec(own->OwnSpecifications()->CreateNewWithName(name))->SetValue(value);
-}
-
-// A base project (the catalogue) and a plant project on it, which is current.
-struct Projects {
-    std::shared_ptr<Database> database = Database::create();
-    std::shared_ptr<StoreProject> base = database->addProject("BASE");
-    std::shared_ptr<StoreProject> plant = database->addProject("PLANT", base);
-
-    Projects() { database->workset()->SetCurrentProject(plant); }
-};
+using bench::numbered;
+using bench::Projects;
+using bench::attribute;
 
 void BM_StoreCreateDevicesWithAttributes(benchmark::State& state)
 {
@@ -45,10 +30,10 @@ void BM_StoreCreateDevicesWithAttributes(benchmark::State& state)
 
         for (std::int64_t i = 0; i < count; ++i) {
             const auto device = asDevice(elements->CreateNewWithName(elements->ItemName("001")));
-            setValue(device, "GD", "VFCD", "10100");
-            setValue(device, "GD", "Selector", "");
-            setValue(device, "NR", "Lower", "15");
-            setValue(device, "NR", "Upper", "600");
+            attribute(device, "GD", "VFCD", "10100");
+            attribute(device, "GD", "Selector", "");
+            attribute(device, "NR", "Lower", "15");
+            attribute(device, "NR", "Upper", "600");
         }
         benchmark::DoNotOptimize(elements->Count());
 
@@ -62,15 +47,6 @@ BENCHMARK(BM_StoreCreateDevicesWithAttributes)->Arg(1'000)->Arg(10'000)->Unit(be
 
 // KIND <- COMPONENT in the catalogue, USER in the plant on COMPONENT: what
 // USER reads of GD comes from three levels up, past chapters of other names.
-// "A7": appended rather than added, since GCC 12 warns falsely about
-// "literal" + std::to_string(...) when it inlines the latter.
-std::string numbered(const char* prefix, int number)
-{
-    std::string name(prefix);
-    name += std::to_string(number);
-    return name;
-}
-
 struct ThreeLevels : Projects {
     DeviceRef user;
 
@@ -81,13 +57,13 @@ struct ThreeLevels : Projects {
         const auto component = asDevice(catalogue->OwnElements()->CreateNewWithName("COMPONENT"));
         for (int i = 0; i < 20; ++i) {
             const auto name = numbered("A", i);
-            setValue(kind, "GD", name, name);
-            setValue(component, numbered("C", i % 5), name, name);
+            attribute(kind, "GD", name, name);
+            attribute(component, numbered("C", i % 5), name, name);
         }
-        setValue(kind, "GD", "VFCD", "10100");
+        attribute(kind, "GD", "VFCD", "10100");
         component->SetCDevice(kind);
         user = asDevice(plant->addRoot("@20")->OwnElements()->CreateNewWithName("USER"));
-        setValue(user, "OWN", "A", "a");
+        attribute(user, "OWN", "A", "a");
         user->SetCDevice(component);
     }
 };
