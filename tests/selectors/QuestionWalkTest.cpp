@@ -242,5 +242,25 @@ TEST_F(QuestionWalk, ClassWithoutPdmsChapterMakesTopSelectorFromTheGenericTypeOf
     EXPECT_EQ(world.host().errors()[0].function, "Sub SetQuestion");
 }
 
+
+// The walk up reads the root's question too. A root without one is an error
+// that the walk resumes from with the question before: a bore question there
+// is treated twice, standing twice among the questions, and its second entry
+// into the bore map is refused with a second report.
+TEST_F(QuestionWalk, RootWithoutQuestionTreatsTheBoreQuestionBeforeItTwice)
+{
+    root->SetCDevice(nullptr);
+    const auto bend = support::selector(world, root, "BEND", "BEND", "PBOR1", base);
+    const auto only = support::selector(world, bend, "ONLY", "", "", base);
+    const auto component = world.device(pipeClass, "E1",
+                                        {{"PIPE.VSTD", "BEND"}, {"CONN.DN1", "100"}, {"PDMS.Selector", ""}});
+    const auto out = walk(pipeClass, component);
+    EXPECT_EQ(out.leaf, only);
+    EXPECT_THAT(nestedNames(out.questionSpecs), ElementsAre("CONN.DN1", "CONN.DN1"));
+    EXPECT_THAT(out.boreSpecs.Keys(), ElementsAre("PBOR1"));
+    ASSERT_EQ(world.host().errors().size(), 2u);
+    for (const auto& report : world.host().errors()) EXPECT_EQ(report.function, "Sub SetQuestion");
+}
+
 }  // namespace
 }  // namespace pipespec
