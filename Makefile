@@ -1,5 +1,6 @@
-# The two everyday commands: `make run` (the command line on the bundled
-# sample project) and `make test`. Both install what is missing first.
+# The two everyday commands: `make run` (the command line on the user's
+# database, made from the bundled sample project) and `make test`. Both
+# install what is missing first.
 PRESET ?= dev
 BUILD := build/$(PRESET)
 
@@ -15,7 +16,7 @@ build: configure
 	cmake --build --preset $(PRESET)
 
 run: build
-	$(BUILD)/src/pipespec check --class "PC-A1-DIN"
+	$(BUILD)/src/pipespec validate --class "PC-A1-DIN"
 
 test: build
 	ctest --preset $(PRESET)

@@ -8,6 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <filesystem>
 #include <iostream>
 #include <ostream>
 
@@ -16,6 +17,7 @@ namespace pipespec::cli {
 namespace {
 
 using nlohmann::json;
+using Use = DatabaseFile::Use;
 
 std::vector<std::string> with(std::vector<std::string> own, const std::vector<std::string>& common)
 {
@@ -58,11 +60,41 @@ void printWhatWasSaid(const json& said, std::ostream& out)
         for (const auto& line : said["trace"]) out << "trace: " << line.get<std::string>() << "\n";
 }
 
-// ---- check -------------------------------------------------------------
-
-int runCheck(const Arguments& args, std::ostream& out)
+// Saves what this run changed, unless it is a dry run or the database is a
+// JSON project, and puts in the report what became of the changes.
+void keepChanges(Session& session, bool dryRun, json& report)
 {
-    const Session session(args);
+    const auto file = session.file().path().string();
+    report["file"] = file;
+    report["saved"] = false;
+    if (dryRun) {
+        report["notSaved"] = "--dry-run";
+    } else if (session.file().isJsonProject()) {
+        report["notSaved"] = file + " is a JSON project, which the command line only reads; 'pipespec save --db " + file +
+                             " --as FILE.pspec' makes a database file of it";
+    } else {
+        const auto summary = session.file().save();
+        report["saved"] = true;
+        report["written"] = summary.written;
+        report["removed"] = summary.removed;
+    }
+}
+
+void printKept(const json& report, std::ostream& out)
+{
+    if (!report["saved"].get<bool>()) {
+        out << "The project is not saved: " << report["notSaved"].get<std::string>() << "\n";
+        return;
+    }
+    out << "Saved to " << report["file"].get<std::string>() << ": " << report["written"].get<std::size_t>()
+        << " objects written, " << report["removed"].get<std::size_t>() << " removed.\n";
+}
+
+// ---- validate ----------------------------------------------------------
+
+int runValidate(const Arguments& args, std::ostream& out)
+{
+    const Session session(args, Use::Read);
     const auto pipeClass = session.pipeClass(args.required("--class"));
     json report = {{"pipeClass", pipeClass->SystemFullName()}, {"components", json::array()}};
     for (const auto& component : session.catalogueComponents()) {
@@ -121,7 +153,8 @@ json describeElement(const DeviceRef& element)
 
 int runAdd(const Arguments& args, std::ostream& out)
 {
-    const Session session(args);
+    const bool dryRun = args.flag("--dry-run");
+    Session session(args, dryRun ? Use::Read : Use::Change);
     const auto pipeClass = session.pipeClass(args.required("--class"));
     const auto duplicates = args.option("--duplicates").value_or("no");
     if (duplicates != "yes" && duplicates != "no") throw UsageError("--duplicates takes yes or no");
@@ -133,8 +166,7 @@ int runAdd(const Arguments& args, std::ostream& out)
     std::vector<DeviceRef> components;
     for (const auto& words : args.positional()) components.push_back(session.component(words));
 
-    json report = {{"pipeClass", pipeClass->SystemFullName()}, {"elements", json::array()}, {"refused", json::array()},
-                   {"saved", false}};
+    json report = {{"pipeClass", pipeClass->SystemFullName()}, {"elements", json::array()}, {"refused", json::array()}};
     for (const auto& component : components) {
         if (addtopipeclass::NewPipeClassElement(component, pipeClass, false)) {
             if (const auto made = addtopipeclass::CreatedObjects())
@@ -144,6 +176,7 @@ int runAdd(const Arguments& args, std::ostream& out)
         }
     }
     report.update(whatWasSaid(session.host(), session.tracer(), args.flag("--trace")));
+    keepChanges(session, dryRun, report);
 
     if (args.flag("--json")) {
         out << report.dump(2) << "\n";
@@ -160,7 +193,7 @@ int runAdd(const Arguments& args, std::ostream& out)
         }
         for (const auto& refused : report["refused"]) out << "  not made from " << refused.get<std::string>() << "\n";
         printWhatWasSaid(report, out);
-        out << "The project is not saved: this command line cannot keep changes yet.\n";
+        printKept(report, out);
     }
     return report["refused"].empty() ? exitcode::Success : exitcode::Refused;
 }
@@ -179,9 +212,10 @@ DeviceRef elementFor(const Session& session, const DeviceRef& pipeClass, const s
     return element;
 }
 
+// Questions shows a walk: an element it makes on the way is not kept.
 int runQuestions(const Arguments& args, std::ostream& out)
 {
-    const Session session(args);
+    const Session session(args, Use::Read);
     const auto pipeClass = session.pipeClass(args.required("--class"));
     if (args.positional().size() != 1) throw UsageError("'questions' takes one component");
     const auto chooser = std::make_shared<CommandLineChooser>(args.option("--choose").value_or("ask"), std::cin, std::cerr);
@@ -215,7 +249,7 @@ int runQuestions(const Arguments& args, std::ostream& out)
             out << "    " << q["question"].get<std::string>() << " = " << q["answer"].get<std::string>() << "\n";
         if (deleted) out << "  the element was deleted: the choice was cancelled\n";
         printWhatWasSaid(report, out);
-        out << "The project is not saved: this command line cannot keep changes yet.\n";
+        out << "The project is not saved: questions only shows the walk; 'add' keeps elements.\n";
     }
     return element && !deleted && !report["questions"].empty() ? exitcode::Success : exitcode::Refused;
 }
@@ -253,7 +287,7 @@ void printOutline(const json& node, int depth, std::ostream& out)
 
 int runSelectors(const Arguments& args, std::ostream& out)
 {
-    const Session session(args);
+    const Session session(args, Use::Read);
     const auto pipeClass = session.pipeClass(args.required("--class"));
     const auto root = asDevice(pipeClass->Devices()->Item(diagnostics::names().SelectorRoot()));
     json report = {{"pipeClass", pipeClass->SystemFullName()}};
@@ -270,21 +304,165 @@ int runSelectors(const Arguments& args, std::ostream& out)
     return exitcode::Success;
 }
 
+
+// ---- info --------------------------------------------------------------
+
+// The device and everything below it.
+std::size_t countDevices(const DeviceRef& device)
+{
+    std::size_t count = 1;
+    const auto children = device->Devices();
+    for (int i = 1; i <= children->Count(); ++i) count += countDevices(asDevice(children->Item(i)));
+    return count;
+}
+
+// The children of a pipe class that are elements: all but its selector tree.
+std::vector<DeviceRef> elementsOf(const DeviceRef& pipeClass)
+{
+    const auto& selectorRoot = diagnostics::names().SelectorRoot();
+    std::vector<DeviceRef> elements;
+    const auto children = pipeClass->Devices();
+    for (int i = 1; i <= children->Count(); ++i) {
+        auto child = asDevice(children->Item(i));
+        if (child->Name() != selectorRoot) elements.push_back(std::move(child));
+    }
+    return elements;
+}
+
+int runInfo(const Arguments& args, std::ostream& out)
+{
+    const Session session(args, Use::Read);
+    const auto& file = session.file();
+    json report = {{"file", file.path().string()},
+                   {"format", file.isJsonProject() ? "JSON project (read only)" : "database file"},
+                   {"currentProject", session.currentProject()->Name()},
+                   {"projects", json::array()},
+                   {"pipeClasses", json::array()}};
+    for (const auto& project : session.database().projects()) {
+        std::size_t devices = 0;
+        for (const auto& root : project->roots().items()) devices += countDevices(root);
+        const auto base = project->BaseProject();
+        report["projects"].push_back({{"name", project->Name()},
+                                      {"base", base ? base->Name() : std::string()},
+                                      {"writable", project->writable()},
+                                      {"devices", devices}});
+    }
+    for (const auto& pipeClass : session.pipeClasses())
+        report["pipeClasses"].push_back({{"pipeClass", pipeClass->SystemFullName()}, {"elements", elementsOf(pipeClass).size()}});
+
+    if (args.flag("--json")) {
+        out << report.dump(2) << "\n";
+        return exitcode::Success;
+    }
+    out << report["file"].get<std::string>() << " (" << report["format"].get<std::string>() << ")\n"
+        << "Current project " << report["currentProject"].get<std::string>() << "\nProjects:\n";
+    for (const auto& p : report["projects"]) {
+        out << "  " << p["name"].get<std::string>();
+        if (!p["base"].get<std::string>().empty()) out << "  on " << p["base"].get<std::string>();
+        out << "  " << p["devices"].get<std::size_t>() << " devices" << (p["writable"].get<bool>() ? "" : ", read only") << "\n";
+    }
+    out << "Pipe classes:\n";
+    for (const auto& c : report["pipeClasses"])
+        out << "  " << c["pipeClass"].get<std::string>() << "  " << c["elements"].get<std::size_t>() << " elements\n";
+    return exitcode::Success;
+}
+
+// ---- export ------------------------------------------------------------
+
+// Attributes with their values, chapter by chapter; a list or range
+// attribute adds its rows.
+void collectAttributes(const CollectionRef& specs, json& out)
+{
+    for (int i = 1; i <= specs->Count(); ++i) {
+        const auto spec = asSpec(specs->Item(i));
+        const auto members = spec->Specifications();
+        if (members->Count() > 0) {
+            collectAttributes(members, out);
+            continue;
+        }
+        json attribute = {{"name", spec->NestedName()}, {"value", spec->DisplayValue()}};
+        if (spec->RowCount() > 0) {
+            attribute["rows"] = json::array();
+            for (int row = 0; row < spec->RowCount(); ++row) attribute["rows"].push_back(spec->GetXValue(row));
+        }
+        out.push_back(std::move(attribute));
+    }
+}
+
+json attributesOf(const DeviceRef& device)
+{
+    json attributes = json::array();
+    collectAttributes(device->Specs(), attributes);
+    return attributes;
+}
+
+int runExport(const Arguments& args, std::ostream& out)
+{
+    const Session session(args, Use::Read);
+    const auto pipeClass = session.pipeClass(args.required("--class"));
+    json report = {{"pipeClass", pipeClass->SystemFullName()},
+                   {"attributes", attributesOf(pipeClass)},
+                   {"elements", json::array()},
+                   {"selectors", nullptr}};
+    for (const auto& element : elementsOf(pipeClass)) {
+        auto described = describeElement(element);
+        described["attributes"] = attributesOf(element);
+        report["elements"].push_back(std::move(described));
+    }
+    if (const auto root = asDevice(pipeClass->Devices()->Item(diagnostics::names().SelectorRoot())))
+        report["selectors"] = selectorOutline(root);
+    out << report.dump(2) << "\n";
+    return exitcode::Success;
+}
+
+// ---- save --------------------------------------------------------------
+
+// Every change is saved by the command that makes it; what is left for save
+// is to make a database file of what was opened, a JSON project above all.
+int runSave(const Arguments& args, std::ostream& out)
+{
+    const auto target = args.option("--as");
+    if (target && std::filesystem::path(*target).extension() == ".json")
+        throw UsageError("--as names a database file; JSON projects are only read");
+    Session session(args, target ? Use::Read : Use::Change);
+    json report;
+    if (target) {
+        session.file().saveAs(*target);
+        report = {{"file", *target}, {"saved", true}, {"written", "everything"}};
+    } else {
+        keepChanges(session, false, report);
+    }
+
+    if (args.flag("--json"))
+        out << report.dump(2) << "\n";
+    else if (target)
+        out << "Saved the database to " << *target << "\n";
+    else
+        printKept(report, out);
+    return report["saved"].get<bool>() ? exitcode::Success : exitcode::Refused;
+}
+
 }  // namespace
 
 const std::vector<CommandInfo>& commands()
 {
     static const std::vector<CommandInfo> all{
-        {"check", "tell, for every catalogue component, whether it may become an element of a pipe class, and why not",
-         "check --class <pipe class> [--json] [--db FILE] [--lang en|de]", accepting({}, {"--class"}), runCheck},
-        {"add", "make elements of a pipe class from catalogue components",
-         "add --class <pipe class> [--duplicates yes|no] [--trace] [--json] [--db FILE] [--lang en|de] <component>...",
-         accepting({"--trace"}, {"--class", "--duplicates"}), runAdd},
-        {"questions", "walk a component down the selector tree of a pipe class and list its questions, top first",
+        {"info", "show the database: its file, projects, current project, counts of devices and the pipe classes",
+         "info [--json] [--db FILE] [--lang en|de]", accepting({}, {}), runInfo, "open"},
+        {"validate", "tell, for every catalogue component, whether it may become an element of a pipe class, and why not",
+         "validate --class <pipe class> [--json] [--db FILE] [--lang en|de]", accepting({}, {"--class"}), runValidate, "check"},
+        {"add", "make elements of a pipe class from catalogue components and save them",
+         "add --class <pipe class> [--duplicates yes|no] [--dry-run] [--trace] [--json] [--db FILE] [--lang en|de] <component>...",
+         accepting({"--trace", "--dry-run"}, {"--class", "--duplicates"}), runAdd},
+        {"questions", "walk a component down the selector tree of a pipe class and list its questions, top first (never saves)",
          "questions --class <pipe class> [--choose <answer>|cancel|ask] [--trace] [--json] [--db FILE] [--lang en|de] <component>",
          accepting({"--trace"}, {"--class", "--choose"}), runQuestions},
         {"selectors", "show the selector tree of a pipe class with questions, answers and types",
          "selectors --class <pipe class> [--json] [--db FILE] [--lang en|de]", accepting({}, {"--class"}), runSelectors},
+        {"export", "print one pipe class as JSON: attributes with values, elements with ranges, selector tree",
+         "export --class <pipe class> [--json] [--db FILE] [--lang en|de]", accepting({}, {"--class"}), runExport},
+        {"save", "save the database; with --as, to a new database file (the way to keep a JSON project)",
+         "save [--as FILE.pspec] [--json] [--db FILE] [--lang en|de]", accepting({}, {"--as"}), runSave},
     };
     return all;
 }

@@ -3,6 +3,7 @@
 #include "cli/Arguments.h"
 
 #include <ostream>
+#include <vector>
 
 namespace pipespec::cli {
 
@@ -12,10 +13,10 @@ struct CommandInfo {
     const char* usage;
     Arguments::Spec accepts;
     int (*run)(const Arguments& args, std::ostream& out);
+    const char* alias = nullptr;  // an older name that still works
 };
 
 // Every subcommand the command line offers, in the order --help lists them.
 const std::vector<CommandInfo>& commands();
-
 
 }  // namespace pipespec::cli

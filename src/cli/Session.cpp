@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <iostream>
 
 namespace pipespec::cli {
 
@@ -41,15 +42,24 @@ std::vector<std::shared_ptr<platform::StoreProject>> projectChain(const ProjectR
         chain.push_back(p);
     return chain;
 }
+
+// The file --db names, else the user's own, whose folder the first run makes.
+DatabaseFile openDatabase(const Arguments& args, DatabaseFile::Use use)
+{
+    const auto defaultNames = platform::JsonNameTable::load(platform::JsonNameTable::shippedPath());
+    if (const auto given = args.option("--db")) return DatabaseFile::open(*given, use, *defaultNames, std::cerr);
+    const auto path = defaultDatabasePath();
+    std::filesystem::create_directories(path.parent_path());
+    return DatabaseFile::open(path, use, *defaultNames, std::cerr);
+}
 }  // namespace
 
-Session::Session(const Arguments& args)
+// The language is checked first: a usage error must not make a database.
+Session::Session(const Arguments& args, DatabaseFile::Use use) : Session(languageOf(args), args, use) {}
+
+Session::Session(diagnostics::LanguageTable language, const Arguments& args, DatabaseFile::Use use)
+    : file_(openDatabase(args, use)), host_(std::make_unique<diagnostics::ScopedHeadlessHost>(file_.names()))
 {
-    auto language = languageOf(args);
-    const auto defaults = platform::JsonNameTable::load(platform::JsonNameTable::shippedPath());
-    const auto file = args.option("--db").value_or(platform::sampleProjectPath().string());
-    loaded_ = platform::loadJsonProject(file, *defaults);
-    host_ = std::make_unique<diagnostics::ScopedHeadlessHost>(loaded_.names);
     host_->utilities().setLanguage(std::move(language));
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 
 // What every subcommand starts from: the database opened from --db (the
-// bundled sample project by default), the headless host that records what
+// user's own database file by default), the headless host that records what
 // the logic traces, reports and asks, in the language chosen by --lang, and
 // look-ups of pipe classes and catalogue components by the words a user types.
 
 #include "cli/Arguments.h"
+#include "cli/DatabaseFile.h"
 #include "diagnostics/HeadlessHost.h"
-#include "platform/JsonProject.h"
 
 #include <memory>
 #include <string>
@@ -21,10 +21,12 @@ inline const std::vector<std::string> kCommonOptions{"--db", "--lang"};
 
 class Session {
 public:
-    explicit Session(const Arguments& args);
+    Session(const Arguments& args, DatabaseFile::Use use);
 
-    platform::Database& database() const { return *loaded_.database; }
-    ProjectRef currentProject() const { return loaded_.database->workset()->CurrentProject(); }
+    platform::Database& database() const { return *file_.database(); }
+    const DatabaseFile& file() const { return file_; }
+    DatabaseFile& file() { return file_; }
+    ProjectRef currentProject() const { return database().workset()->CurrentProject(); }
     diagnostics::HeadlessUtilities& host() const { return host_->utilities(); }
     diagnostics::HeadlessTools& tracer() const { return host_->tools(); }
 
@@ -36,12 +38,14 @@ public:
     DeviceRef component(const std::string& words) const;
     // Every component under the catalogue roots, in tree order.
     std::vector<DeviceRef> catalogueComponents() const;
-
-private:
-    DeviceRef byWords(const std::string& words, const std::vector<DeviceRef>& candidates, const char* what) const;
+    // Every pipe class of the current project and its bases, in tree order.
     std::vector<DeviceRef> pipeClasses() const;
 
-    platform::LoadedDatabase loaded_;
+private:
+    Session(diagnostics::LanguageTable language, const Arguments& args, DatabaseFile::Use use);
+    DeviceRef byWords(const std::string& words, const std::vector<DeviceRef>& candidates, const char* what) const;
+
+    DatabaseFile file_;
     std::unique_ptr<diagnostics::ScopedHeadlessHost> host_;
 };
 

@@ -13,9 +13,15 @@ using pipespec::cli::CommandInfo;
 void printOverview(std::ostream& out)
 {
     out << "Usage: pipespec <command> [options]\n\nCommands:\n";
-    for (const auto& c : pipespec::cli::commands()) out << "  " << c.name << "  " << c.summary << "\n";
+    for (const auto& c : pipespec::cli::commands()) {
+        out << "  " << c.name << "  " << c.summary;
+        if (c.alias) out << " (also '" << c.alias << "')";
+        out << "\n";
+    }
     out << "\nOptions of every command:\n"
-           "  --db FILE   the database (default: the bundled sample project)\n"
+           "  --db FILE   the database file, made from the sample project if it does not exist\n"
+           "              (default: $XDG_DATA_HOME/pipespec/sample.pspec, else\n"
+           "              ~/.local/share/pipespec/sample.pspec); a FILE.json project is only read\n"
            "  --json      machine-readable output\n"
            "  --lang de   messages in German (default English)\n"
            "  --help      this text, or the command's own\n"
@@ -25,7 +31,9 @@ void printOverview(std::ostream& out)
 const CommandInfo* findCommand(const std::string& name)
 {
     const auto& all = pipespec::cli::commands();
-    const auto found = std::find_if(all.begin(), all.end(), [&](const CommandInfo& c) { return name == c.name; });
+    const auto found = std::find_if(all.begin(), all.end(), [&](const CommandInfo& c) {
+        return name == c.name || (c.alias && name == c.alias);
+    });
     return found == all.end() ? nullptr : &*found;
 }
 

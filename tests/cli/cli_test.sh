@@ -1,9 +1,16 @@
 #!/bin/sh
 # The command line on the bundled sample project, as a user types it:
-# outputs, exit codes and refusals.
+# outputs, exit codes and refusals, and the database file it keeps.
 set -u
 pipespec="$1"
+sample="$(cd "$(dirname "$0")/../.." && pwd)/data/sample/project.json"
 failures=0
+
+# Every database lives in a directory of its own, never in the user's.
+tmp=$(mktemp -d)
+trap 'chmod -R u+w "$tmp"; rm -rf "$tmp"' EXIT
+XDG_DATA_HOME="$tmp/data"
+export XDG_DATA_HOME
 
 fail() {
     echo "FAIL: $*"
@@ -28,6 +35,21 @@ lacks() {
     printf '%s' "$out" | grep -qF -- "$2" && fail "$1: output has '$2'; output: $out"
 }
 
+checksum() {
+    cksum < "$1"
+}
+
+# The first run makes the user's database from the sample project; later runs open it.
+expect 0 "first use" -- "$pipespec" info
+contains "first use" "made the database $XDG_DATA_HOME/pipespec/sample.pspec from the sample project"
+contains "first use" "Current project PLANT"
+contains "first use" "PLANT:@20|PIPECLASSES|PC-A1-DIN  0 elements"
+[ -f "$XDG_DATA_HOME/pipespec/sample.pspec" ] || fail "first use: no database file in the data directory"
+expect 0 "second use" -- "$pipespec" info --json
+lacks "second use" "made the database"
+contains "second use" '"format": "database file"'
+contains "second use" '"name": "BASE"'
+
 expect 0 "overview" -- "$pipespec" --help
 contains "overview" "check"
 contains "overview" "add"
@@ -43,6 +65,8 @@ contains "missing database" "cannot be read"
 expect 2 "unknown language" -- "$pipespec" check --class PC-A1-DIN --lang xx
 expect 0 "check help" -- "$pipespec" check --help
 contains "check help" "--class"
+expect 0 "validate help" -- "$pipespec" validate --help
+contains "validate help" "--db FILE"
 
 expect 0 "check" -- "$pipespec" check --class PC-A1-DIN
 contains "check" "may become an element:  BASE:@40|CAT|FLANGES|FL-WN-PN16"
@@ -53,24 +77,26 @@ contains "check by path" "BASE:@40|CAT|VALVES|VA-BALL has got no VSTD"
 expect 0 "check structure class" -- "$pipespec" check --class PC-S3-STRUCT --json
 contains "check structure class" '"component": "BASE:@40|CAT|STRUCTURE|ST-SHOE",'
 lacks "check structure class" "is structure element"
+expect 0 "validate" -- "$pipespec" validate --class PC-A1-DIN --json
+contains "validate" '"valid": true'
 
-expect 0 "add" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN16 TE-EQ
+expect 0 "add" -- "$pipespec" add --dry-run --class PC-A1-DIN FL-WN-PN16 TE-EQ
 contains "add" "made PLANT:@20|PIPECLASSES|PC-A1-DIN|001  from BASE:@40|CAT|BASE|FL-WN"
 contains "add" "made PLANT:@20|PIPECLASSES|PC-A1-DIN|002  from BASE:@40|CAT|FITTINGS|TE-EQ"
 contains "add" "nominal diameter DN 15 to DN 300"
-contains "add" "not saved"
-expect 1 "add a duplicate, answered no" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN16 FL-WN-PN40 --duplicates no
+contains "add" "not saved: --dry-run"
+expect 1 "add a duplicate, answered no" -- "$pipespec" add --dry-run --class PC-A1-DIN FL-WN-PN16 FL-WN-PN40 --duplicates no
 contains "add a duplicate, answered no" "not made from BASE:@40|CAT|FLANGES|FL-WN-PN40"
 contains "add a duplicate, answered no" "[answer 7]"
-expect 0 "add a duplicate, answered yes" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN16 FL-WN-PN40 --duplicates yes --json
+expect 0 "add a duplicate, answered yes" -- "$pipespec" add --dry-run --class PC-A1-DIN FL-WN-PN16 FL-WN-PN40 --duplicates yes --json
 contains "add a duplicate, answered yes" '"name": "002"'
 contains "add a duplicate, answered yes" '"answer": 6'
-expect 1 "add a refused component" -- "$pipespec" add --class PC-A1-DIN ST-SHOE --trace
+expect 1 "add a refused component" -- "$pipespec" add --dry-run --class PC-A1-DIN ST-SHOE --trace
 contains "add a refused component" "is structure element"
 contains "add a refused component" "leave: not valid"
-expect 2 "add an unknown component" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN16 NO-SUCH-PART
-expect 2 "add without components" -- "$pipespec" add --class PC-A1-DIN
-expect 1 "messages in German" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN16 FL-WN-PN40 --lang de
+expect 2 "add an unknown component" -- "$pipespec" add --dry-run --class PC-A1-DIN FL-WN-PN16 NO-SUCH-PART
+expect 2 "add without components" -- "$pipespec" add --dry-run --class PC-A1-DIN
+expect 1 "messages in German" -- "$pipespec" add --dry-run --class PC-A1-DIN FL-WN-PN16 FL-WN-PN40 --lang de
 contains "messages in German" "Mindestens ein Rohrklassenelement"
 
 expect 0 "selectors" -- "$pipespec" selectors --class PC-A1-DIN
@@ -88,6 +114,60 @@ contains "questions with a chosen selector" '"asked": 1'
 expect 0 "questions asked on the terminal" -- sh -c "echo 2 | '$pipespec' questions --class PC-A1-DIN FL-WN-PN25 --choose ask"
 contains "questions asked on the terminal" "is ambiguous"
 contains "questions asked on the terminal" "2) 40"
+
+# add keeps its elements in the database file, which the next run reads.
+db="$tmp/project.pspec"
+expect 0 "add to a new database" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN16 TE-EQ --db "$db"
+contains "add to a new database" "made the database $db from the sample project"
+contains "add to a new database" "Saved to $db"
+expect 0 "reopened" -- "$pipespec" info --db "$db"
+contains "reopened" "PLANT:@20|PIPECLASSES|PC-A1-DIN  2 elements"
+lacks "reopened" "made the database"
+expect 1 "added again: a duplicate" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN16 --db "$db"
+contains "added again: a duplicate" "not made from BASE:@40|CAT|FLANGES|FL-WN-PN16"
+before=$(checksum "$db")
+expect 0 "a dry run" -- "$pipespec" add --dry-run --class PC-A1-DIN FL-WN-PN40 --duplicates yes --db "$db"
+contains "a dry run" "made PLANT:@20|PIPECLASSES|PC-A1-DIN|003"
+[ "$(checksum "$db")" = "$before" ] || fail "a dry run changed the database file"
+expect 0 "save without changes" -- "$pipespec" save --db "$db"
+contains "save without changes" "0 objects written"
+
+expect 0 "export" -- "$pipespec" export --class PC-A1-DIN --db "$db" --json
+contains "export" '"pipeClass": "PLANT:@20|PIPECLASSES|PC-A1-DIN"'
+contains "export" '"element": "PLANT:@20|PIPECLASSES|PC-A1-DIN|002"'
+contains "export" '"cdevice": "BASE:@40|CAT|FITTINGS|TE-EQ"'
+contains "export" '"lower": "DN 15"'
+contains "export" '"name": "GD.VFCD"'
+contains "export" '"question": "SEL.PN"'
+expect 0 "export of a class without a tree" -- "$pipespec" export --class PC-S3-STRUCT --db "$db"
+contains "export of a class without a tree" '"selectors": null'
+
+# A JSON project is read, never written; save --as makes a database file of it.
+before=$(checksum "$sample")
+expect 0 "add to a JSON project" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN16 --db "$sample"
+contains "add to a JSON project" "not saved: $sample is a JSON project, which the command line only reads"
+expect 1 "save a JSON project" -- "$pipespec" save --db "$sample"
+expect 0 "save a JSON project as a database" -- "$pipespec" save --db "$sample" --as "$tmp/converted.pspec"
+expect 0 "the converted database" -- "$pipespec" info --db "$tmp/converted.pspec"
+contains "the converted database" "PLANT:@20|PIPECLASSES|PC-A1-DIN  0 elements"
+expect 3 "save over an existing file" -- "$pipespec" save --db "$sample" --as "$tmp/converted.pspec"
+expect 2 "save as JSON" -- "$pipespec" save --db "$db" --as "$tmp/out.json"
+[ "$(checksum "$sample")" = "$before" ] || fail "the JSON project was changed"
+
+# Files that are not ours, and files that may not be written, stay as they are.
+printf 'a shopping list\n' > "$tmp/foreign.pspec"
+before=$(checksum "$tmp/foreign.pspec")
+expect 3 "a foreign file" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN16 --db "$tmp/foreign.pspec"
+[ "$(checksum "$tmp/foreign.pspec")" = "$before" ] || fail "a foreign file was changed"
+expect 3 "a missing folder" -- "$pipespec" info --db "$tmp/no/such/folder.pspec"
+cp "$db" "$tmp/protected.pspec"
+chmod a-w "$tmp/protected.pspec"
+before=$(checksum "$tmp/protected.pspec")
+expect 3 "a write-protected file" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN40 --db "$tmp/protected.pspec"
+contains "a write-protected file" "is write-protected; nothing is changed"
+expect 0 "a write-protected file is read" -- "$pipespec" info --db "$tmp/protected.pspec"
+contains "a write-protected file is read" "PC-A1-DIN  2 elements"
+[ "$(checksum "$tmp/protected.pspec")" = "$before" ] || fail "a write-protected file was changed"
 
 if [ "$failures" -ne 0 ]; then
     echo "$failures command-line checks failed"

@@ -1,0 +1,121 @@
+#include "cli/DatabaseFile.h"
+
+#include "objectmodel/Errors.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstdlib>
+#include <fstream>
+
+namespace pipespec::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using nlohmann::json;
+using platform::ProjectFile;
+
+bool isJsonProjectPath(const fs::path& path) { return path.extension() == ".json"; }
+
+// The permission bits decide, not the rights of the process: root may write
+// anything, yet a file its owner write-protected is meant to stay as it is.
+bool writeProtected(const fs::path& path)
+{
+    constexpr auto anyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    return (fs::status(path).permissions() & anyWrite) == fs::perms::none;
+}
+
+struct JsonProject {
+    platform::LoadedDatabase loaded;
+    std::string nameOverrides;
+};
+
+// The project with its name table overrides as they stand in the file, so
+// that a database file made from it keeps them.
+JsonProject readJsonProjectFile(const fs::path& file, const platform::JsonNameTable& defaultNames)
+{
+    std::ifstream in(file);
+    if (!in) throw PlatformError(err::Configuration, "Project file " + file.string() + " cannot be read");
+    json document;
+    try {
+        document = json::parse(in);
+    } catch (const json::parse_error& e) {
+        throw PlatformError(err::Configuration, "Project file " + file.string() + " is not valid JSON: " + e.what());
+    }
+    auto loaded = platform::readJsonProject(document, file.string(), defaultNames);
+    const auto names = document.find("names");
+    return {std::move(loaded), names == document.end() ? std::string("{}") : names->dump()};
+}
+
+std::shared_ptr<const platform::JsonNameTable> namesOf(const ProjectFile& file, const fs::path& path,
+                                                       const platform::JsonNameTable& defaultNames)
+{
+    try {
+        return defaultNames.overlaid(json::parse(file.nameOverrides()), path.string());
+    } catch (const json::parse_error& e) {
+        throw PlatformError(err::Configuration,
+                            "Database file " + path.string() + " is damaged: its name table overrides are not JSON: " + e.what());
+    }
+}
+
+}  // namespace
+
+fs::path defaultDatabasePath()
+{
+    const char* dataHome = std::getenv("XDG_DATA_HOME");
+    const char* home = std::getenv("HOME");
+    fs::path base;
+    if (dataHome && *dataHome)
+        base = dataHome;
+    else if (home && *home)
+        base = fs::path(home) / ".local" / "share";
+    else
+        throw PlatformError(err::FileAccess, "Neither XDG_DATA_HOME nor HOME is set: give the database with --db FILE");
+    return base / "pipespec" / "sample.pspec";
+}
+
+DatabaseFile::DatabaseFile(fs::path path, std::optional<ProjectFile> file, platform::LoadedDatabase loaded,
+                           std::string nameOverrides)
+    : path_(std::move(path)), file_(std::move(file)), loaded_(std::move(loaded)), nameOverrides_(std::move(nameOverrides))
+{
+}
+
+DatabaseFile DatabaseFile::open(const fs::path& path, Use use, const platform::JsonNameTable& defaultNames, std::ostream& notes)
+{
+    if (isJsonProjectPath(path)) {
+        auto project = readJsonProjectFile(path, defaultNames);
+        return DatabaseFile(path, std::nullopt, std::move(project.loaded), std::move(project.nameOverrides));
+    }
+    if (!fs::exists(path)) {
+        auto sample = readJsonProjectFile(platform::sampleProjectPath(), defaultNames);
+        auto file = ProjectFile::create(path, sample.loaded.database, sample.nameOverrides);
+        notes << "pipespec: made the database " << path.string() << " from the sample project\n";
+        return DatabaseFile(path, std::move(file), std::move(sample.loaded), std::move(sample.nameOverrides));
+    }
+    if (use == Use::Change && writeProtected(path))
+        throw PlatformError(err::ReadOnly, "Database file " + path.string() + " is write-protected; nothing is changed");
+    auto file = ProjectFile::open(path, use == Use::Read ? ProjectFile::Access::ReadOnly : ProjectFile::Access::ReadWrite);
+    platform::LoadedDatabase loaded{file.database(), namesOf(file, path, defaultNames)};
+    auto nameOverrides = file.nameOverrides();
+    return DatabaseFile(path, std::move(file), std::move(loaded), std::move(nameOverrides));
+}
+
+platform::SaveSummary DatabaseFile::save()
+{
+    if (!file_)
+        throw PlatformError(err::ReadOnly, "Project file " + path_.string() +
+                                               " is a JSON project, which the command line only reads; nothing is saved");
+    return file_->save();
+}
+
+void DatabaseFile::saveAs(const fs::path& target)
+{
+    // One file at a time gathers the changes of a database, so the old one
+    // lets go first; should the new one fail, the database is kept by none.
+    file_.reset();
+    file_.emplace(ProjectFile::create(target, loaded_.database, nameOverrides_));
+    path_ = target;
+}
+
+}  // namespace pipespec::cli

@@ -1,0 +1,59 @@
+#pragma once
+
+// Where the command line keeps its database and how a run opens it. The
+// database is one file of our own format; the first run makes it from the
+// bundled sample project, in the user's data directory unless --db names
+// another path. A JSON project named by --db is read as it is and never
+// written: that format is for reading and exchange, and a run that changes
+// it says that nothing was saved.
+
+#include "platform/JsonProject.h"
+#include "platform/NameTable.h"
+#include "platform/Persistence.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+
+namespace pipespec::cli {
+
+// $XDG_DATA_HOME/pipespec/sample.pspec, else ~/.local/share/pipespec/sample.pspec.
+std::filesystem::path defaultDatabasePath();
+
+class DatabaseFile {
+public:
+    // Read never writes the file; Change refuses a write-protected one up
+    // front (even for root), before anything is changed in memory.
+    enum class Use { Read, Change };
+
+    // Opens `path`; a database file that does not exist yet is made from the
+    // sample project first, and `notes` is told so.
+    static DatabaseFile open(const std::filesystem::path& path, Use use, const platform::JsonNameTable& defaultNames,
+                             std::ostream& notes);
+
+    const std::shared_ptr<platform::Database>& database() const { return loaded_.database; }
+    const std::shared_ptr<const platform::JsonNameTable>& names() const { return loaded_.names; }
+    const std::filesystem::path& path() const { return path_; }
+    // A JSON project is read only; a database file is kept.
+    bool isJsonProject() const { return !file_; }
+
+    // Writes this run's changes to the database file: error ReadOnly for a
+    // JSON project or a file opened to read.
+    platform::SaveSummary save();
+    // Writes the whole database to a new database file, which is kept from
+    // now on; an existing file is refused and left as it was.
+    void saveAs(const std::filesystem::path& target);
+
+private:
+    DatabaseFile(std::filesystem::path path, std::optional<platform::ProjectFile> file, platform::LoadedDatabase loaded,
+                 std::string nameOverrides);
+
+    std::filesystem::path path_;
+    std::optional<platform::ProjectFile> file_;
+    platform::LoadedDatabase loaded_;
+    std::string nameOverrides_;  // the name table overrides, a JSON object as text
+};
+
+}  // namespace pipespec::cli
