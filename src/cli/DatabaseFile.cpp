@@ -26,28 +26,6 @@ bool writeProtected(const fs::path& path)
     return (fs::status(path).permissions() & anyWrite) == fs::perms::none;
 }
 
-struct JsonProject {
-    platform::LoadedDatabase loaded;
-    std::string nameOverrides;
-};
-
-// The project with its name table overrides as they stand in the file, so
-// that a database file made from it keeps them.
-JsonProject readJsonProjectFile(const fs::path& file, const platform::JsonNameTable& defaultNames)
-{
-    std::ifstream in(file);
-    if (!in) throw PlatformError(err::Configuration, "Project file " + file.string() + " cannot be read");
-    json document;
-    try {
-        document = json::parse(in);
-    } catch (const json::parse_error& e) {
-        throw PlatformError(err::Configuration, "Project file " + file.string() + " is not valid JSON: " + e.what());
-    }
-    auto loaded = platform::readJsonProject(document, file.string(), defaultNames);
-    const auto names = document.find("names");
-    return {std::move(loaded), names == document.end() ? std::string("{}") : names->dump()};
-}
-
 std::shared_ptr<const platform::JsonNameTable> namesOf(const ProjectFile& file, const fs::path& path,
                                                        const platform::JsonNameTable& defaultNames)
 {
@@ -75,30 +53,27 @@ fs::path defaultDatabasePath()
     return base / "pipespec" / "sample.pspec";
 }
 
-DatabaseFile::DatabaseFile(fs::path path, std::optional<ProjectFile> file, platform::LoadedDatabase loaded,
-                           std::string nameOverrides)
-    : path_(std::move(path)), file_(std::move(file)), loaded_(std::move(loaded)), nameOverrides_(std::move(nameOverrides))
+DatabaseFile::DatabaseFile(fs::path path, std::optional<ProjectFile> file, platform::LoadedDatabase loaded)
+    : path_(std::move(path)), file_(std::move(file)), loaded_(std::move(loaded))
 {
 }
 
 DatabaseFile DatabaseFile::open(const fs::path& path, Use use, const platform::JsonNameTable& defaultNames, std::ostream& notes)
 {
     if (isJsonProjectPath(path)) {
-        auto project = readJsonProjectFile(path, defaultNames);
-        return DatabaseFile(path, std::nullopt, std::move(project.loaded), std::move(project.nameOverrides));
+        return DatabaseFile(path, std::nullopt, platform::loadJsonProject(path, defaultNames));
     }
     if (!fs::exists(path)) {
-        auto sample = readJsonProjectFile(platform::sampleProjectPath(), defaultNames);
-        auto file = ProjectFile::create(path, sample.loaded.database, sample.nameOverrides);
+        auto sample = platform::loadJsonProject(platform::sampleProjectPath(), defaultNames);
+        auto file = ProjectFile::create(path, sample.database, sample.nameOverrides);
         notes << "pipespec: made the database " << path.string() << " from the sample project\n";
-        return DatabaseFile(path, std::move(file), std::move(sample.loaded), std::move(sample.nameOverrides));
+        return DatabaseFile(path, std::move(file), std::move(sample));
     }
     if (use == Use::Change && writeProtected(path))
         throw PlatformError(err::ReadOnly, "Database file " + path.string() + " is write-protected; nothing is changed");
     auto file = ProjectFile::open(path, use == Use::Read ? ProjectFile::Access::ReadOnly : ProjectFile::Access::ReadWrite);
-    platform::LoadedDatabase loaded{file.database(), namesOf(file, path, defaultNames)};
-    auto nameOverrides = file.nameOverrides();
-    return DatabaseFile(path, std::move(file), std::move(loaded), std::move(nameOverrides));
+    platform::LoadedDatabase loaded{file.database(), namesOf(file, path, defaultNames), file.nameOverrides()};
+    return DatabaseFile(path, std::move(file), std::move(loaded));
 }
 
 platform::SaveSummary DatabaseFile::save()
@@ -114,7 +89,7 @@ void DatabaseFile::saveAs(const fs::path& target)
     // One file at a time gathers the changes of a database, so the old one
     // lets go first; should the new one fail, the database is kept by none.
     file_.reset();
-    file_.emplace(ProjectFile::create(target, loaded_.database, nameOverrides_));
+    file_.emplace(ProjectFile::create(target, loaded_.database, loaded_.nameOverrides));
     path_ = target;
 }
 

@@ -47,13 +47,11 @@ public:
     void saveAs(const std::filesystem::path& target);
 
 private:
-    DatabaseFile(std::filesystem::path path, std::optional<platform::ProjectFile> file, platform::LoadedDatabase loaded,
-                 std::string nameOverrides);
+    DatabaseFile(std::filesystem::path path, std::optional<platform::ProjectFile> file, platform::LoadedDatabase loaded);
 
     std::filesystem::path path_;
     std::optional<platform::ProjectFile> file_;
     platform::LoadedDatabase loaded_;
-    std::string nameOverrides_;  // the name table overrides, a JSON object as text
 };
 
 }  // namespace pipespec::cli

@@ -54,9 +54,8 @@ public:
         for (const auto& object : readOnly_) object->setReadOnly(true);
         for (const auto& [project, rights] : rights_) project->setAccessRights(rights);
 
-        auto names = document.contains("names") ? defaultNames_.overlaid(document["names"], origin_)
-                                                : defaultNames_.overlaid(json::object(), origin_);
-        return {database_, names};
+        const auto overrides = document.contains("names") ? document["names"] : json::object();
+        return {database_, defaultNames_.overlaid(overrides, origin_), overrides.dump()};
     }
 
 private:

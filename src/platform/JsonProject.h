@@ -17,6 +17,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace pipespec::platform {
@@ -24,6 +25,9 @@ namespace pipespec::platform {
 struct LoadedDatabase {
     std::shared_ptr<Database> database;
     std::shared_ptr<const JsonNameTable> names;
+    // The file's own overrides of the name table as JSON text ("{}" if none),
+    // so that a database made from it keeps them.
+    std::string nameOverrides = "{}";
 };
 
 LoadedDatabase readJsonProject(const nlohmann::json& document, std::string_view origin, const JsonNameTable& defaultNames);
