@@ -71,6 +71,24 @@ SpecRef GetNormDimensionSpec(const SpecRef& NameRangeChapter, const std::string&
 DeviceRef NewPipeSpecElement(DeviceRef CDevObject, const DeviceRef& mPipeClass, bool RecursiveCall, bool ResetCreated,
                              std::string& groupId, bool InteractiveImportObject, const DeviceRef& presetElement);
 
+// Prepares a new element of a class with the PDMS chapter for the outside
+// design system: chapter cards, state column, selector questions, the shop and
+// field pair of a tube, the group id, attribute copies and the companion
+// component. A failed step is reported and the later steps still run.
+void UpdatePDMSSpecComp(const DeviceRef& CDevPC, const DeviceRef& mPipeClass, bool RecursiveCall, std::string& groupId,
+                        bool InteractiveImportObject, const DeviceRef& CatalogOwner);
+
+// The element's design-system text becomes a formula on its source text, and
+// the element records what it was made from.
+void CopyAttribs(const DeviceRef& CDevPC);
+
+// The material text link follows the element's material source.
+void CopyMatxt(const DeviceRef& CDevPC);
+
+// Elements keep the running number they were created with: the generated
+// name is looked up and nothing is written.
+void GenerateName(const DeviceRef& CDevPC, const std::string& groupId);
+
 // A new element from a source object, starting a new cascade.
 DeviceRef NewPipeClassElement(const DeviceRef& CDevObject, const DeviceRef& PipeClass, bool InteractiveImportObject);
 

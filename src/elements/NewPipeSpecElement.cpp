@@ -63,8 +63,10 @@ bool inCurrentProject(const ISpecification& chapter)
 
 // Gives a new element its name-range chapter, following the catalogue owner's
 // chapter, or the pipe class's when no owner is found. Empty when the pipe
-// class has no such chapter, which is told to the user.
-SpecRef makeNameRangeChapter(const DeviceRef& element, const DeviceRef& mPipeClass, const Trace& trace)
+// class has no such chapter, which is told to the user. CatalogOwner receives
+// the owner that was looked for, so that later steps need not look again.
+SpecRef makeNameRangeChapter(const DeviceRef& element, const DeviceRef& mPipeClass, DeviceRef& CatalogOwner,
+                             const Trace& trace)
 {
     const auto& name = diagnostics::names().NameRange();
     auto source = mPipeClass->Spec(name);
@@ -74,7 +76,6 @@ SpecRef makeNameRangeChapter(const DeviceRef& element, const DeviceRef& mPipeCla
                         host.Translate(msg::ErrorInPipeClassObject));
         return nullptr;
     }
-    DeviceRef CatalogOwner;
     InitCatalogOwner(CatalogOwner, element, mPipeClass);
     trace.object("CatalogOwner", CatalogOwner);
     if (CatalogOwner) source = CatalogOwner->Spec(name);
@@ -106,7 +107,7 @@ void DropCachedEntry(IGlobals& globals, const DeviceRef& pipeClass)
 }
 
 DeviceRef NewPipeSpecElement(DeviceRef CDevObject, const DeviceRef& mPipeClass, bool RecursiveCall, bool ResetCreated,
-                             [[maybe_unused]] std::string& groupId, bool InteractiveImportObject,
+                             std::string& groupId, bool InteractiveImportObject,
                              const DeviceRef& presetElement)
 {
     DeviceRef result;
@@ -195,9 +196,10 @@ DeviceRef NewPipeSpecElement(DeviceRef CDevObject, const DeviceRef& mPipeClass, 
 
         // The name-range chapter.
         const auto& names = diagnostics::names();
+        DeviceRef CatalogOwner;
         auto chapter = asSpec(element->Specs()->Item(names.NameRange()));
         if (!chapter)
-            chapter = makeNameRangeChapter(element, mPipeClass, trace);
+            chapter = makeNameRangeChapter(element, mPipeClass, CatalogOwner, trace);
         else if (chapter->SystemTemporary())
             chapter->MakePersistent();
         trace.object("NameRangeChapter", chapter);
@@ -211,9 +213,15 @@ DeviceRef NewPipeSpecElement(DeviceRef CDevObject, const DeviceRef& mPipeClass, 
 
         sharedPCOMRange().InitNDRange(element, mPipeClass);
 
-        // Classes with the PDMS chapter are built like any other class for now:
-        // the update of their design-system attributes and selector questions
-        // belongs here, once it exists.
+        // Classes for the outside design system: the element may pull further
+        // elements in, and a cancelled selector choice may delete it again.
+        if (mPipeClass->Spec(names.PDMS())) {
+            if (!CatalogOwner) InitCatalogOwner(CatalogOwner, element, mPipeClass);
+            UpdatePDMSSpecComp(element, mPipeClass, RecursiveCall, groupId, InteractiveImportObject, CatalogOwner);
+            if (element->IsDeleted() || element->IsMarkedDeleted()) return trace.leaveText("NewPipeSpecElement is deleted");
+            // The caller of a recursive call works on from its own arguments.
+            if (RecursiveCall) return trace.leaveText("recursive call");
+        }
 
         DropCachedEntry(*must(workset).Globals(), mPipeClass);
         CheckSchedule();

@@ -106,6 +106,21 @@ std::shared_ptr<platform::StandardTable> World::table(const std::shared_ptr<plat
     return made;
 }
 
+std::shared_ptr<platform::StandardTable> World::tableAt(const std::shared_ptr<platform::StoreProject>& project,
+                                                        const std::string& path) const
+{
+    auto at = project->tableRoot();
+    std::string_view rest = path;
+    while (!rest.empty()) {
+        const auto bar = rest.find('|');
+        const std::string name(rest.substr(0, bar));
+        rest = bar == std::string_view::npos ? std::string_view() : rest.substr(bar + 1);
+        const auto existing = at->child(name);
+        at = existing ? existing : at->createChild(name);
+    }
+    return at;
+}
+
 void World::setFolder(const DeviceRef& device) const { must(store(device)).setFolder(true); }
 void World::setReadOnly(const ObjectRef& object, bool readOnly) const
 {

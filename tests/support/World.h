@@ -56,6 +56,11 @@ public:
     std::shared_ptr<platform::StandardTable> table(const std::shared_ptr<platform::StoreProject>& project,
                                                    const std::string& name, std::vector<std::string> values) const;
 
+    // The standard table at a "|" path of the project ("@3D|00|PDMS"), with
+    // what is missing of the path made on the way.
+    std::shared_ptr<platform::StandardTable> tableAt(const std::shared_ptr<platform::StoreProject>& project,
+                                                     const std::string& path) const;
+
     void setFolder(const DeviceRef& device) const;
     // Marks a stored object read-only (or writable again), as a loaded file can.
     void setReadOnly(const ObjectRef& object, bool readOnly = true) const;
