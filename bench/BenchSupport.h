@@ -29,6 +29,33 @@ inline SpecRef attribute(const DeviceRef& device, const std::string& chapter, co
     return spec;
 }
 
+// The base object of every selector, "@40|SELBASE" of the base project, with
+// the selector attributes; installed as option 368, where new selectors are
+// made from.
+inline DeviceRef selectorBase(const Projects& projects)
+{
+    auto catalogue = projects.base->root("@40");
+    if (!catalogue) catalogue = projects.base->addRoot("@40");
+    const auto made = asDevice(catalogue->OwnElements()->CreateNewWithName("SELBASE"));
+    for (const auto* name : {"Answer", "Question", "DefaultAnswer"}) attribute(made, "Sele", name, "");
+    attribute(made, "Sele", "Type", "1");
+    // Named: GCC 12 warns falsely about a temporary Variant destroyed here.
+    const Variant option(made);
+    projects.database->workset()->globals()->setoption(368, option);
+    return made;
+}
+
+// A selector under `owner` with the answer that leads to it and the question it asks next.
+inline DeviceRef selector(const DeviceRef& owner, const std::string& name, const std::string& answer,
+                          const std::string& question, const DeviceRef& base)
+{
+    const auto made = asDevice(owner->OwnElements()->CreateNewWithName(name));
+    attribute(made, "Sele", "Answer", answer);
+    attribute(made, "Sele", "Question", question);
+    made->SetCDevice(base);
+    return made;
+}
+
 // "A7": appended rather than added, since GCC 12 warns falsely about
 // "literal" + std::to_string(...) when it inlines the latter.
 inline std::string numbered(const char* prefix, long number)

@@ -35,11 +35,7 @@ struct SelectorWorld : bench::Projects {
     SelectorWorld()
     {
         // What every selector is made from, and the generic-type menu.
-        const auto catalogue = base->addRoot("@40");
-        selectorBase = asDevice(catalogue->OwnElements()->CreateNewWithName("SELBASE"));
-        for (const auto* name : {"Answer", "Question", "DefaultAnswer"}) attribute(selectorBase, "Sele", name, "");
-        attribute(selectorBase, "Sele", "Type", "1");
-        database->workset()->globals()->setoption(368, selectorBase);
+        selectorBase = bench::selectorBase(*this);
         const auto menu = asDevice(base->addRoot("@3D")->OwnElements()->CreateNewWithName("@Menu"));
         menu->OwnElements()->CreateNewWithName("101XX")->SetDescription("FLAN");
 
@@ -59,13 +55,10 @@ struct SelectorWorld : bench::Projects {
         }
     }
 
-    DeviceRef selector(const DeviceRef& owner, const std::string& name, const std::string& answer, const std::string& next)
+    DeviceRef selector(const DeviceRef& owner, const std::string& name, const std::string& answer,
+                       const std::string& next) const
     {
-        const auto made = asDevice(owner->OwnElements()->CreateNewWithName(name));
-        attribute(made, "Sele", "Answer", answer);
-        attribute(made, "Sele", "Question", next);
-        made->SetCDevice(selectorBase);
-        return made;
+        return bench::selector(owner, name, answer, next, selectorBase);
     }
 
     // Two children per level, named "Qn:A" and "Qn:B" as the walk looks them up.

@@ -34,6 +34,13 @@ DeviceRef selector(const World& world, const DeviceRef& owner, const std::string
     return made;
 }
 
+DeviceRef shopSelector(const World& world, const DeviceRef& root, const std::string& answer, const DeviceRef& base)
+{
+    const auto top = selector(world, root, answer, answer, world.names().PDMS() + ".SHOP", base);
+    selector(world, top, "SHOP", "", "", base);
+    return top;
+}
+
 std::unique_ptr<platform::HeadlessGrid> selectorGrid(const World& world, const std::vector<DeviceRef>& rows,
                                                      const std::vector<std::pair<std::string, std::string>>& columns)
 {

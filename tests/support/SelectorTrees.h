@@ -22,6 +22,9 @@ DeviceRef selectorRoot(const World& world, const DeviceRef& pipeClass, const Dev
 // A selector under `owner` made from `base`, with its answer and question.
 DeviceRef selector(const World& world, const DeviceRef& owner, const std::string& name, const std::string& answer,
                    const std::string& question, const DeviceRef& base);
+// A top selector of a class for the outside design system that asks tubes of
+// that answer whether they are made in the shop, with the one child "SHOP".
+DeviceRef shopSelector(const World& world, const DeviceRef& root, const std::string& answer, const DeviceRef& base);
 
 // A headless grid over the rows, with columns given as key and title.
 std::unique_ptr<platform::HeadlessGrid> selectorGrid(const World& world, const std::vector<DeviceRef>& rows,

@@ -131,6 +131,11 @@ void World::setValueLocked(const SpecRef& spec) const
 {
     must(std::dynamic_pointer_cast<platform::Specification>(spec)).setValueLocked(true);
 }
+void World::setLinkedCount(const SpecRef& spec, int count) const
+{
+    must(std::dynamic_pointer_cast<platform::Specification>(spec)).setLinkedCount(count);
+}
+void World::setPipeClassRoot(const DeviceRef& root) const { workset()->globals()->setPipeClassRootCDevice(root); }
 
 std::vector<std::string> World::traceTexts(std::string_view function) const
 {

@@ -66,6 +66,10 @@ public:
     void setReadOnly(const ObjectRef& object, bool readOnly = true) const;
     void setCreateOption(const DeviceRef& device, int option) const;
     void setValueLocked(const SpecRef& spec) const;
+    // How many objects link to the attribute, as the store counts them.
+    void setLinkedCount(const SpecRef& spec, int count) const;
+    // The base object of the pipe classes, kept in the workset's Globals.
+    void setPipeClassRoot(const DeviceRef& root) const;
 
     // The text of every TraceText line of that function, in order.
     std::vector<std::string> traceTexts(std::string_view function) const;
