@@ -323,6 +323,8 @@ struct ObjectSetNode {
 
     // The sub-node of that name, made at the end when missing.
     ObjectSetNode& child(std::string_view childName);
+
+    bool operator==(const ObjectSetNode&) const = default;
 };
 using ObjectSetNodeRef = std::shared_ptr<ObjectSetNode>;
 

@@ -2,18 +2,30 @@
 
 #include "objectmodel/Errors.h"
 #include "platform/PersistenceFormat.h"
+#include "platform/QueryContainerFile.h"
+#include "platform/UndoJournal.h"
 #include "platform/SqliteFile.h"
 
+#include <optional>
 #include <system_error>
 #include <vector>
 
 namespace pipespec::platform {
 
 struct ProjectFile::State {
+    State(sqlite::Connection connection, std::shared_ptr<Database> kept, std::string overrides,
+          std::vector<std::unique_ptr<FileSection>> kinds)
+        : file(std::move(connection)), database(std::move(kept)), nameOverrides(std::move(overrides)), sections(std::move(kinds))
+    {
+        if (!file.readOnly()) journal.emplace(file);
+    }
+
     sqlite::Connection file;
     std::shared_ptr<Database> database;
     std::string nameOverrides;
     std::vector<std::unique_ptr<FileSection>> sections;
+    // None for a file that may not be written.
+    std::optional<format::UndoJournal> journal;
 };
 
 namespace {
@@ -41,6 +53,15 @@ void checkFormat(const sqlite::Connection& file)
     if (version < 1) throw PlatformError(err::Configuration, "Database file " + file.path() + " is damaged: it has no format version");
 }
 
+// The sections that every file keeps, so that no caller can forget one and
+// lose what it holds at the next save.
+std::vector<std::unique_ptr<FileSection>> standardSections()
+{
+    std::vector<std::unique_ptr<FileSection>> sections;
+    sections.push_back(queryContainerSection());
+    return sections;
+}
+
 }  // namespace
 
 ProjectFile::ProjectFile(std::unique_ptr<State> state) : state_(std::move(state)) { state_->database->trackChanges(true); }
@@ -63,6 +84,7 @@ ProjectFile::~ProjectFile()
 ProjectFile ProjectFile::create(const std::filesystem::path& path, std::shared_ptr<Database> database, std::string nameOverrides)
 {
     auto file = sqlite::Connection::open(path, sqlite::Connection::Mode::Create);
+    auto sections = standardSections();
     try {
         configure(file);
         sqlite::Transaction transaction(file);
@@ -70,6 +92,10 @@ ProjectFile ProjectFile::create(const std::filesystem::path& path, std::shared_p
         file.exec("PRAGMA application_id = " + std::to_string(format::kApplicationId));
         file.exec("PRAGMA user_version = " + std::to_string(format::kVersion));
         format::writeDatabase(file, *database, nameOverrides, format::SaveScope::Everything);
+        for (const auto& section : sections) {
+            section->createTables(file);
+            section->save(file, *database);
+        }
         transaction.commit();
     } catch (...) {
         // Half a new file is no file: it would pass for ours and hold nothing.
@@ -79,7 +105,8 @@ ProjectFile ProjectFile::create(const std::filesystem::path& path, std::shared_p
         throw;
     }
     database->forgetChanges();
-    return ProjectFile(std::make_unique<State>(State{std::move(file), std::move(database), std::move(nameOverrides), {}}));
+    return ProjectFile(
+        std::make_unique<State>(std::move(file), std::move(database), std::move(nameOverrides), std::move(sections)));
 }
 
 ProjectFile ProjectFile::open(const std::filesystem::path& path, Access access)
@@ -90,7 +117,10 @@ ProjectFile ProjectFile::open(const std::filesystem::path& path, Access access)
     configure(file);
     auto database = Database::create();
     auto nameOverrides = format::readDatabase(file, *database);
-    return ProjectFile(std::make_unique<State>(State{std::move(file), std::move(database), std::move(nameOverrides), {}}));
+    ProjectFile opened(std::make_unique<State>(std::move(file), std::move(database), std::move(nameOverrides),
+                                                std::vector<std::unique_ptr<FileSection>>{}));
+    for (auto& section : standardSections()) opened.addSection(std::move(section));
+    return opened;
 }
 
 const std::shared_ptr<Database>& ProjectFile::database() const { return state_->database; }
@@ -109,11 +139,44 @@ SaveSummary ProjectFile::save()
     const auto& file = state_->file;
     if (file.readOnly()) throw PlatformError(err::ReadOnly, "Database file " + file.path() + " is open read-only; nothing is saved");
     sqlite::Transaction transaction(file);
+    state_->journal->beginSave();
     const auto summary = format::writeDatabase(file, *state_->database, state_->nameOverrides, format::SaveScope::Changes);
     for (const auto& section : state_->sections) section->save(file, *state_->database);
+    state_->journal->endSave();
     transaction.commit();
     state_->database->forgetChanges();
     return summary;
+}
+
+bool ProjectFile::undo() { return replay(true); }
+bool ProjectFile::redo() { return replay(false); }
+
+std::size_t ProjectFile::undoSteps() const { return state_->journal ? state_->journal->steps(format::UndoJournal::Side::Undo) : 0; }
+std::size_t ProjectFile::redoSteps() const { return state_->journal ? state_->journal->steps(format::UndoJournal::Side::Redo) : 0; }
+
+bool ProjectFile::replay(bool undoing)
+{
+    auto& state = *state_;
+    if (!state.journal)
+        throw PlatformError(err::ReadOnly, "Database file " + state.file.path() + " is open read-only; nothing is undone or redone");
+    // What is not saved is not in the journal: taking back a step under it
+    // would lose it without a word.
+    if (!state.database->changes().empty())
+        throw PlatformError(err::InvalidCall, "Database file " + state.file.path() +
+                                                  ": the database has unsaved changes; save them before undo or redo");
+    sqlite::Transaction transaction(state.file);
+    if (!state.journal->replay(undoing ? format::UndoJournal::Side::Undo : format::UndoJournal::Side::Redo)) return false;
+    // The file is read back before the commit: a step that leaves the file
+    // unreadable is not taken.
+    auto database = Database::create();
+    auto nameOverrides = format::readDatabase(state.file, *database);
+    for (const auto& section : state.sections) section->load(state.file, *database);
+    transaction.commit();
+    state.database->trackChanges(false);
+    state.database = std::move(database);
+    state.nameOverrides = std::move(nameOverrides);
+    state.database->trackChanges(true);
+    return true;
 }
 
 }  // namespace pipespec::platform

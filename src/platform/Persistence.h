@@ -11,9 +11,10 @@
 // standard table and row with all its fields and its UniqueId; links between
 // objects (kept by UniqueId; an inherited one by the stored object above it); the
 // workset's Globals options and PipeClassRootCDevice; the AppGlobals values;
-// the name table overrides as JSON text. Not kept: undo states, clipboard,
-// drag object, navigator, and option 64, a cache of pipe-class entries that
-// starts empty. A link to an object that is no longer in the database reads
+// the name table overrides as JSON text; the stored query of every query
+// container (a section that every file has, see QueryContainerFile.h). Not
+// kept: undo states, clipboard, drag object, navigator, and option 64, a
+// cache of pipe-class entries that starts empty. A link to an object that is no longer in the database reads
 // back as none.
 //
 // Changes made through the loading setters (setReadOnly, setFolder,
@@ -80,8 +81,21 @@ public:
     void addSection(std::unique_ptr<FileSection> section);
     SaveSummary save();
 
+    // Undo and redo across sessions: every save that changed objects is a
+    // step, kept in the file. undo takes back the newest step, redo the newest
+    // undone one, each saved at once; a save that changes objects drops what
+    // could be redone. Afterwards database() is a new database, read from the
+    // file. False when there is no step to take. Only objects are taken back,
+    // not options, application values or sections. Error ReadOnly for a file
+    // that may not be written, InvalidCall while there are unsaved changes.
+    bool undo();
+    bool redo();
+    std::size_t undoSteps() const;
+    std::size_t redoSteps() const;
+
 private:
     struct State;
+    bool replay(bool undoing);
     explicit ProjectFile(std::unique_ptr<State> state);
     std::unique_ptr<State> state_;
 };

@@ -27,7 +27,8 @@ namespace pipespec::platform::format {
 
 // "PSPC" in the file header, so that no other SQLite file passes for ours.
 inline constexpr std::int64_t kApplicationId = 0x50535043;
-inline constexpr std::int64_t kVersion = 1;
+// 2: the undo journal; a program that does not keep it must not write the file.
+inline constexpr std::int64_t kVersion = 2;
 
 inline constexpr std::string_view kSchema = R"sql(
 CREATE TABLE meta(key TEXT PRIMARY KEY, value) WITHOUT ROWID;

@@ -18,7 +18,7 @@ public:
         entries_[device] = std::move(container);
     }
 
-    std::shared_ptr<QueryContainer> find(const ObjectRef& device) const
+    std::shared_ptr<QueryContainer> find(const std::shared_ptr<const IBaseObject>& device) const
     {
         const auto found = entries_.find(device);
         return found == entries_.end() ? nullptr : found->second;
@@ -76,8 +76,18 @@ void QueryContainer::Save()
 
 std::shared_ptr<IQueryContainer> queryContainerOf(const ObjectRef& device)
 {
-    if (auto container = registry().find(device)) return container;
+    if (auto container = registeredQueryContainer(device)) return container;
     return std::make_shared<QueryContainer>(std::nullopt);
+}
+
+std::shared_ptr<QueryContainer> registeredQueryContainer(const std::shared_ptr<const IBaseObject>& device)
+{
+    return registry().find(device);
+}
+
+void registerQueryContainer(const ObjectRef& device, std::optional<StoredQueryObject> stored)
+{
+    registry().add(device, std::make_shared<QueryContainer>(std::move(stored)));
 }
 
 DeviceRef QueryCreator::Create(const DeviceRef& owner, int option)
@@ -85,7 +95,7 @@ DeviceRef QueryCreator::Create(const DeviceRef& owner, int option)
     if (option != 0 && option != 1) throw PlatformError(err::InvalidCall, "container option " + std::to_string(option));
     const auto members = must(owner).CDevices();
     auto device = asDevice(members->CreateNewWithName(members->ItemName(kContainerName)));
-    registry().add(device, std::make_shared<QueryContainer>(option == 1 ? std::optional(StoredQueryObject{}) : std::nullopt));
+    registerQueryContainer(device, option == 1 ? std::optional(StoredQueryObject{}) : std::nullopt);
     return device;
 }
 

@@ -18,6 +18,8 @@ namespace pipespec::platform {
 struct StoredQueryObject {
     QueryDefinition queryOrg;
     ObjectSetNode objectSet;
+
+    bool operator==(const StoredQueryObject&) const = default;
 };
 
 class TopQueryHolder final : public ITopQuery {
@@ -62,6 +64,12 @@ private:
 // The container side of a device. A device that no creator made carries
 // nothing: its HasXObj is false.
 std::shared_ptr<IQueryContainer> queryContainerOf(const ObjectRef& device);
+// The container of a device that a creator made or a file gave back; empty
+// for any other device.
+std::shared_ptr<QueryContainer> registeredQueryContainer(const std::shared_ptr<const IBaseObject>& device);
+// Makes a device a container carrying `stored`, as a database file that kept
+// it gives it back.
+void registerQueryContainer(const ObjectRef& device, std::optional<StoredQueryObject> stored);
 
 // "QuorlQueryXObj.QCreator".
 class QueryCreator final : public IQueryCreator {

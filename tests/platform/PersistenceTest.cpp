@@ -5,6 +5,8 @@
 #include "../objectmodel/ExpectError.h"
 #include "platform/JsonProject.h"
 #include "platform/Persistence.h"
+#include "platform/Query.h"
+#include "platform/QueryContainer.h"
 #include "platform/SqliteFile.h"
 #include "support/DatabaseComparison.h"
 #include "support/TempDirectory.h"
@@ -33,10 +35,45 @@ std::string bytesOf(const std::filesystem::path& file)
 
 // Every kind of object and every field the store keeps, across two projects,
 // with options, application values and links of each kind.
+// A stored query with every setting away from its default, two filters of
+// different value kinds, a sort and grid settings two levels deep.
+platform::StoredQueryObject richStoredQuery()
+{
+    platform::ColumnSettings code{"FunctionCode", "~010fd Funktionscode", 9, false, true, valuekind::Value, "GD.VFCD",
+                                  sourcekind::Attribute, "GD", true, 2, false, true, extendedkind::Value, true, false, 3};
+    platform::ColumnSettings description;
+    description.key = "FunctionCodeDesc";
+    description.valueKind = valuekind::DisplayValue;
+    platform::StoredQueryObject stored;
+    stored.queryOrg.columns = {{code, ""}, {description, "FunctionCode"}};
+    stored.queryOrg.filters = {{"FunctionCode", filteroperator::AtLeast, filterlink::Or, Variant(std::int64_t{10200})},
+                               {"FunctionCodeDesc", filteroperator::Contains, filterlink::None, Variant("Flange")},
+                               {"FunctionCode", filteroperator::Less, filterlink::None, Variant(2.5)}};
+    stored.queryOrg.sorts = {{"FunctionCode", sortdirection::Descending}, {"", sortdirection::None}};
+    auto& grid = stored.objectSet.child("TopQGridCDevices").child("QGrid");
+    grid.kind = "Grid";
+    grid.values["Width.FunctionCode"] = "9";
+    stored.objectSet.child("Empty");
+    return stored;
+}
+
+// Puts a stored query into a container as a list control does: through the
+// attached object, then Save.
+void store(const DeviceRef& containerDevice, const platform::StoredQueryObject& stored)
+{
+    const auto container = platform::queryContainerOf(containerDevice);
+    auto& attached = must(container->XObj());
+    attached.TopQuery()->SetQueryOrg(platform::Query::fromDefinition(stored.queryOrg));
+    *attached.ObjectSet() = stored.objectSet;
+    container->Save();
+    container->ReleaseXObj();
+}
+
 struct RichWorld : support::World {
     DeviceRef baseComponent;
     DeviceRef flange;
     DeviceRef classA1;
+    DeviceRef queryContainer;
 
     RichWorld()
     {
@@ -88,6 +125,10 @@ struct RichWorld : support::World {
         workset()->appGlobals()->setValue("Mode", "edit");
         workset()->appGlobals()->setValue("Count", std::int64_t{7});
 
+        queryContainer = platform::QueryCreator().Create(path(plant(), "@20|PIPECLASSES"), 1);
+        store(queryContainer, richStoredQuery());
+        platform::QueryCreator().Create(path(plant(), "@20|PIPECLASSES"), 0);
+
         setReadOnly(baseComponent->Spec("PIPE"));
         setReadOnly(baseComponent);
         base()->setAccessRights(0);
@@ -119,6 +160,52 @@ TEST_F(PersistenceTest, WhatIsSavedComesBackObjectByObject)
     const auto fresh = world.device(pipeClass, "002");
     const auto number = [](const DeviceRef& device) { return must(std::dynamic_pointer_cast<platform::StoredObject>(device)).uniqueNumber(); };
     EXPECT_GT(number(fresh), number(world.flange));
+}
+
+TEST_F(PersistenceTest, StoredQueriesComeBackWithTheirContainers)
+{
+    RichWorld world;
+    auto saved = ProjectFile::create(file, world.database());
+    const auto containerIn = [](const ProjectFile& project) {
+        return platform::queryContainerOf(project.database()->objectByFullName("PLANT:@20|PIPECLASSES|TQContainer001", nullptr));
+    };
+    const auto definitionIn = [&](const ProjectFile& project) {
+        return dynamic_cast<const platform::Query&>(*must(containerIn(project)->XObj()).TopQuery()->QueryOrg()).definition();
+    };
+    {
+        const auto reopened = ProjectFile::open(file);
+        EXPECT_THAT(differences(*world.database(), *reopened.database()), IsEmpty());
+        EXPECT_EQ(definitionIn(reopened), richStoredQuery().queryOrg);
+        EXPECT_EQ(*must(containerIn(reopened)->XObj()).ObjectSet(), richStoredQuery().objectSet);
+        EXPECT_FALSE(platform::queryContainerOf(reopened.database()->objectByFullName("PLANT:@20|PIPECLASSES|TQContainer002", nullptr))
+                         ->HasXObj())
+            << "a container without an attached object stays without";
+    }
+
+    // A changed stored query is a difference, and the next save keeps it.
+    auto changed = richStoredQuery();
+    changed.queryOrg.columns.front().settings.editable = false;
+    changed.objectSet.child("TopQGridCDevices").child("QGrid").values["Width.FunctionCode"] = "12";
+    store(world.queryContainer, changed);
+    EXPECT_THAT(differences(*world.database(), *ProjectFile::open(file).database()),
+                testing::ElementsAre(HasSubstr("PLANT:@20|PIPECLASSES|TQContainer001: stored query")));
+    saved.save();
+    EXPECT_EQ(definitionIn(ProjectFile::open(file)), changed.queryOrg);
+
+    // A container whose device is deleted goes with it.
+    world.queryContainer->Delete();
+    saved.save();
+    EXPECT_THAT(differences(*world.database(), *ProjectFile::open(file).database()), IsEmpty());
+
+    // A filter value that is an object would not be the same object in the
+    // next session: refused, and the file keeps its last save.
+    const auto another = platform::QueryCreator().Create(world.path(world.plant(), "@20|PIPECLASSES"), 1);
+    auto withObject = richStoredQuery();
+    withObject.queryOrg.filters.front().value = Variant(world.flange);
+    store(another, withObject);
+    const auto before = bytesOf(file);
+    EXPECT_EQ(errorNumber([&] { saved.save(); }), err::NotSupported);
+    EXPECT_EQ(bytesOf(file), before);
 }
 
 TEST_F(PersistenceTest, TheSampleProjectComesBackObjectByObject)
@@ -225,13 +312,19 @@ TEST_F(PersistenceTest, AFileThatIsNotOursTooNewOrDamagedIsRefusedAndLeftAsItWas
     ProjectFile::create(file, world.database());
     const auto newer = directory / "newer.pspec";
     std::filesystem::copy_file(file, newer);
-    platform::sqlite::Connection::open(newer, platform::sqlite::Connection::Mode::ReadWrite).exec("PRAGMA user_version = 2");
+    platform::sqlite::Connection::open(newer, platform::sqlite::Connection::Mode::ReadWrite).exec("PRAGMA user_version = 99");
     EXPECT_EQ(refused(newer), err::Configuration);
     try {
         ProjectFile::open(newer);
     } catch (const PlatformError& e) {
         EXPECT_THAT(e.what(), HasSubstr("newer version"));
     }
+
+    const auto badQuery = directory / "bad-query.pspec";
+    std::filesystem::copy_file(file, badQuery);
+    platform::sqlite::Connection::open(badQuery, platform::sqlite::Connection::Mode::ReadWrite)
+        .exec(R"(UPDATE query_containers SET stored = '{"columns": [], "filters": []}')");
+    EXPECT_EQ(refused(badQuery), err::Configuration);
 
     const auto damaged = directory / "damaged.pspec";
     auto bytes = bytesOf(file);

@@ -1,5 +1,8 @@
 #include "support/DatabaseComparison.h"
 
+#include "platform/QueryContainer.h"
+
+#include <optional>
 #include <sstream>
 #include <type_traits>
 #include <variant>
@@ -39,6 +42,23 @@ std::string variantText(const Variant& value)
             else return "(list or map)";
         },
         value.storage());
+}
+
+std::optional<StoredQueryObject> storedQueryOf(const Device& device)
+{
+    const auto container = registeredQueryContainer(device.shared_from_this());
+    return container ? container->stored() : std::nullopt;
+}
+
+// Enough to tell where two stored queries part; equality decides.
+std::string storedQueryText(const std::optional<StoredQueryObject>& stored)
+{
+    if (!stored) return "(none)";
+    std::string columns;
+    for (const auto& column : stored->queryOrg.columns) columns += "[" + column.settings.key + "]";
+    return "columns " + columns + ", " + std::to_string(stored->queryOrg.filters.size()) + " filters, " +
+           std::to_string(stored->queryOrg.sorts.size()) + " sorts, object set '" + stored->objectSet.name + "' with " +
+           std::to_string(stored->objectSet.children.size()) + " sub-nodes";
 }
 
 std::string joined(const std::vector<std::string>& texts)
@@ -148,6 +168,7 @@ private:
             const auto& other = static_cast<const Device&>(actual);
             same(where, "CreateOption", std::to_string(device->CreateOption()), std::to_string(other.CreateOption()));
             same(where, "CDevice", linkText(device->CDevice()), linkText(other.CDevice()));
+            storedQuery(where, *device, other);
             members(where, device->ownChildren(), other.ownChildren());
             members(where, device->ownSpecs(), other.ownSpecs());
         } else if (const auto* spec = dynamic_cast<const Specification*>(&expected)) {
@@ -159,6 +180,13 @@ private:
         } else if (const auto* row = dynamic_cast<const StandardValue*>(&expected)) {
             same(where, "value", row->Value(), static_cast<const StandardValue&>(actual).Value());
         }
+    }
+
+    void storedQuery(const std::string& where, const Device& expected, const Device& actual)
+    {
+        const auto a = storedQueryOf(expected);
+        const auto b = storedQueryOf(actual);
+        if (a != b) found_.push_back(where + ": stored query is " + storedQueryText(b) + ", expected " + storedQueryText(a));
     }
 
     void specification(const std::string& where, const Specification& a, const Specification& b)

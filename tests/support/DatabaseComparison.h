@@ -3,8 +3,9 @@
 // Structural comparison of two databases: every project with its base,
 // access rights, languages and options; every root, device, attribute,
 // chapter, standard table and row in order with every field; the workset's
-// options, pipe-class root and application values. Links compare by full
-// name. Option 64 is left out: it is a cache that each session rebuilds.
+// options, pipe-class root and application values; the stored query of
+// every query container. Links compare by full name. Option 64 is left out:
+// it is a cache that each session rebuilds.
 
 #include "platform/Database.h"
 
