@@ -4,6 +4,7 @@
 #include "cli/Session.h"
 #include "diagnostics/Services.h"
 #include "elements/AddToPipeClass.h"
+#include "objectmodel/Text.h"
 #include "selectors/SciptCallLib.h"
 
 #include <nlohmann/json.hpp>
@@ -151,6 +152,71 @@ json describeElement(const DeviceRef& element)
             {"range", range}};
 }
 
+// Every attribute that holds a value, chapter by chapter.
+void collectLeafAttributes(const CollectionRef& specs, std::vector<SpecRef>& out)
+{
+    for (int i = 1; i <= specs->Count(); ++i) {
+        auto spec = asSpec(specs->Item(i));
+        const auto members = spec->Specifications();
+        if (members->Count() > 0)
+            collectLeafAttributes(members, out);
+        else
+            out.push_back(std::move(spec));
+    }
+}
+
+// Where the question walk left an element of a class for the outside design
+// system: the leaf its link names, its shop value and its questions. The
+// questions are the attributes the walk marked as taken into the pipe spec;
+// asking the tree again would be a second walk, which may ask the engineer
+// or change the element.
+json walkOf(const DeviceRef& element)
+{
+    const auto& names = diagnostics::names();
+    auto link = element->Spec(names.PDMSNames().Selector());
+    if (!link) link = element->Spec(names.PDMS() + "." + names.Selector());
+    const auto leaf = link ? link->LinkObject() : nullptr;
+    json walk = {{"selector", leaf ? leaf->SystemFullName() : std::string()}, {"questions", json::array()}};
+    std::vector<SpecRef> attributes;
+    collectLeafAttributes(element->Specs(), attributes);
+    for (const auto& spec : attributes) {
+        if (!walk.contains("shop") && text::Right(text::UCase(spec->Name()), 4) == "SHOP") walk["shop"] = spec->Value();
+        if (text::InStr(spec->Description(), "(in spec)") > 0)
+            walk["questions"].push_back({{"question", spec->NestedName()}, {"answer", spec->DisplayValue()}});
+    }
+    return walk;
+}
+
+void printWalk(const json& walk, std::ostream& out)
+{
+    const auto leaf = walk["selector"].get<std::string>();
+    out << "      selector " << (leaf.empty() ? "(none)" : leaf);
+    if (walk.contains("shop")) out << ", shop " << walk["shop"].get<std::string>();
+    out << "\n";
+    for (const auto& q : walk["questions"])
+        out << "      question " << q["question"].get<std::string>() << " = " << q["answer"].get<std::string>() << "\n";
+}
+
+// Installs the command line's selector choice for one command and puts the
+// one it replaced back at the end.
+class ChooserInstalled {
+public:
+    explicit ChooserInstalled(const Arguments& args)
+        : chooser_(std::make_shared<CommandLineChooser>(args.option("--choose").value_or("ask"), std::cin, std::cerr)),
+          previous_(addtopipeclass::setChooseSelectorView(chooser_))
+    {
+    }
+    ~ChooserInstalled() { addtopipeclass::setChooseSelectorView(previous_); }
+    ChooserInstalled(const ChooserInstalled&) = delete;
+    ChooserInstalled& operator=(const ChooserInstalled&) = delete;
+
+    int asked() const { return chooser_->asked(); }
+
+private:
+    std::shared_ptr<CommandLineChooser> chooser_;
+    std::shared_ptr<addtopipeclass::IChooseSelectorView> previous_;
+};
+
 int runAdd(const Arguments& args, std::ostream& out)
 {
     const bool dryRun = args.flag("--dry-run");
@@ -160,6 +226,8 @@ int runAdd(const Arguments& args, std::ostream& out)
     if (duplicates != "yes" && duplicates != "no") throw UsageError("--duplicates takes yes or no");
     if (args.positional().empty()) throw UsageError("'add' needs at least one component");
     session.host().setYesNoDefault(duplicates == "yes" ? mb::AnswerYes : mb::AnswerNo);
+    const ChooserInstalled chooser(args);
+    const bool pdms = pipeClass->Spec(diagnostics::names().PDMS()) != nullptr;
 
     // Each component is looked up before anything is made, so that a typing
     // error leaves the pipe class as it was.
@@ -170,11 +238,17 @@ int runAdd(const Arguments& args, std::ostream& out)
     for (const auto& component : components) {
         if (addtopipeclass::NewPipeClassElement(component, pipeClass, false)) {
             if (const auto made = addtopipeclass::CreatedObjects())
-                for (const auto& [key, element] : *made) report["elements"].push_back(describeElement(asDevice(element)));
+                for (const auto& [key, object] : *made) {
+                    const auto element = asDevice(object);
+                    auto described = describeElement(element);
+                    if (pdms) described["walk"] = walkOf(element);
+                    report["elements"].push_back(std::move(described));
+                }
         } else {
             report["refused"].push_back(component->SystemFullName());
         }
     }
+    report["asked"] = chooser.asked();
     report.update(whatWasSaid(session.host(), session.tracer(), args.flag("--trace")));
     keepChanges(session, dryRun, report);
 
@@ -190,6 +264,7 @@ int runAdd(const Arguments& args, std::ostream& out)
                 for (const auto& dn : e["range"]) out << " " << dn.get<std::string>();
             }
             out << "\n";
+            if (e.contains("walk")) printWalk(e["walk"], out);
         }
         for (const auto& refused : report["refused"]) out << "  not made from " << refused.get<std::string>() << "\n";
         printWhatWasSaid(report, out);
@@ -452,8 +527,8 @@ const std::vector<CommandInfo>& commands()
         {"validate", "tell, for every catalogue component, whether it may become an element of a pipe class, and why not",
          "validate --class <pipe class> [--json] [--db FILE] [--lang en|de]", accepting({}, {"--class"}), runValidate, "check"},
         {"add", "make elements of a pipe class from catalogue components and save them",
-         "add --class <pipe class> [--duplicates yes|no] [--dry-run] [--trace] [--json] [--db FILE] [--lang en|de] <component>...",
-         accepting({"--trace", "--dry-run"}, {"--class", "--duplicates"}), runAdd},
+         "add --class <pipe class> [--duplicates yes|no] [--choose <answer>|cancel|ask] [--dry-run] [--trace] [--json] [--db FILE] [--lang en|de] <component>...",
+         accepting({"--trace", "--dry-run"}, {"--class", "--duplicates", "--choose"}), runAdd},
         {"questions", "walk a component down the selector tree of a pipe class and list its questions, top first (never saves)",
          "questions --class <pipe class> [--choose <answer>|cancel|ask] [--trace] [--json] [--db FILE] [--lang en|de] <component>",
          accepting({"--trace"}, {"--class", "--choose"}), runQuestions},
@@ -463,6 +538,10 @@ const std::vector<CommandInfo>& commands()
          "export --class <pipe class> [--json] [--db FILE] [--lang en|de]", accepting({}, {"--class"}), runExport},
         {"save", "save the database; with --as, to a new database file (the way to keep a JSON project)",
          "save [--as FILE.pspec] [--json] [--db FILE] [--lang en|de]", accepting({}, {"--as"}), runSave},
+        {"undo", "take back the last saved change of the database file, even one of an earlier run",
+         "undo [--json] [--db FILE] [--lang en|de]", accepting({}, {}), runUndo},
+        {"redo", "put back the last change that undo took back, unless a change was saved since",
+         "redo [--json] [--db FILE] [--lang en|de]", accepting({}, {}), runRedo},
     };
     return all;
 }

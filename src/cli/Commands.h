@@ -19,4 +19,8 @@ struct CommandInfo {
 // Every subcommand the command line offers, in the order --help lists them.
 const std::vector<CommandInfo>& commands();
 
+// undo and redo across runs (UndoCommands.cpp).
+int runUndo(const Arguments& args, std::ostream& out);
+int runRedo(const Arguments& args, std::ostream& out);
+
 }  // namespace pipespec::cli

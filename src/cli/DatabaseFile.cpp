@@ -76,12 +76,25 @@ DatabaseFile DatabaseFile::open(const fs::path& path, Use use, const platform::J
     return DatabaseFile(path, std::move(file), std::move(loaded));
 }
 
-platform::SaveSummary DatabaseFile::save()
+ProjectFile& DatabaseFile::changeable(std::string_view doing)
 {
     if (!file_)
-        throw PlatformError(err::ReadOnly, "Project file " + path_.string() +
-                                               " is a JSON project, which the command line only reads; nothing is saved");
-    return file_->save();
+        throw PlatformError(err::ReadOnly, "Project file " + path_.string() + " is a JSON project, which the command line only reads; " +
+                                               std::string(doing));
+    return *file_;
+}
+
+platform::SaveSummary DatabaseFile::save() { return changeable("nothing is saved").save(); }
+
+bool DatabaseFile::undo() { return replay(&ProjectFile::undo, "nothing is undone"); }
+bool DatabaseFile::redo() { return replay(&ProjectFile::redo, "nothing is redone"); }
+
+bool DatabaseFile::replay(bool (ProjectFile::*step)(), std::string_view refused)
+{
+    const bool taken = (changeable(refused).*step)();
+    // The file has read the database anew: from now on that one is the run's.
+    loaded_.database = file_->database();
+    return taken;
 }
 
 void DatabaseFile::saveAs(const fs::path& target)

@@ -11,11 +11,13 @@
 #include "platform/NameTable.h"
 #include "platform/Persistence.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 namespace pipespec::cli {
 
@@ -42,11 +44,22 @@ public:
     // Writes this run's changes to the database file: error ReadOnly for a
     // JSON project or a file opened to read.
     platform::SaveSummary save();
+    // Takes back the newest saved change of the database file, or puts back
+    // the newest one taken back; false when there is none. The database is
+    // read anew. Error ReadOnly for a JSON project or a file opened to read.
+    bool undo();
+    bool redo();
+    std::size_t undoSteps() const { return file_ ? file_->undoSteps() : 0; }
+    std::size_t redoSteps() const { return file_ ? file_->redoSteps() : 0; }
     // Writes the whole database to a new database file, which is kept from
     // now on; an existing file is refused and left as it was.
     void saveAs(const std::filesystem::path& target);
 
 private:
+    // The file to change: error ReadOnly for a JSON project, saying what was not done.
+    platform::ProjectFile& changeable(std::string_view doing);
+    bool replay(bool (platform::ProjectFile::*step)(), std::string_view refused);
+
     DatabaseFile(std::filesystem::path path, std::optional<platform::ProjectFile> file, platform::LoadedDatabase loaded);
 
     std::filesystem::path path_;

@@ -115,6 +115,27 @@ expect 0 "questions asked on the terminal" -- sh -c "echo 2 | '$pipespec' questi
 contains "questions asked on the terminal" "is ambiguous"
 contains "questions asked on the terminal" "2) 40"
 
+# A class for the outside design system: the tube doubled into a shop and a
+# field element, the flange's gasket as companion, bolting by its code without
+# a chapter card, each with its selector leaf, shop value and questions.
+expect 0 "add to a PDMS class" -- sh -c "'$pipespec' add --dry-run --class PC-B2-E3D TU-SMLS FL-WN-PN16 BO-STUD < /dev/null"
+contains "add to a PDMS class" "made PLANT:@20|PIPECLASSES|PC-B2-E3D|001  from BASE:@40|CAT|TUBES|TU-SMLS"
+contains "add to a PDMS class" "made PLANT:@20|PIPECLASSES|PC-B2-E3D|002  from BASE:@40|CAT|TUBES|TU-SMLS"
+contains "add to a PDMS class" "selector PLANT:@20|PIPECLASSES|PC-B2-E3D|SelectorRoot|TUBE|SHOP:TRUE, shop TRUE"
+contains "add to a PDMS class" "SHOP:TRUE, shop FALS"
+contains "add to a PDMS class" "question PDMS.SHOP = TRUE"
+contains "add to a PDMS class" "Selectors chain after selector FLAN with question FTYPE is ambiguous."
+contains "add to a PDMS class" "question PIPE.FTYPE = WN"
+contains "add to a PDMS class" "made PLANT:@20|PIPECLASSES|PC-B2-E3D|004  from BASE:@40|CAT|GASKETS|GA-PN16"
+contains "add to a PDMS class" "selector PLANT:@20|PIPECLASSES|PC-B2-E3D|SelectorRoot|BOLT"
+contains "add to a PDMS class" "Chapter card E3D not found"
+lacks "add to a PDMS class" "error "
+expect 0 "add to a PDMS class, chosen" -- "$pipespec" add --dry-run --class PC-B2-E3D FL-WN-PN16 --choose BL --json
+contains "add to a PDMS class, chosen" '"selector": "PLANT:@20|PIPECLASSES|PC-B2-E3D|SelectorRoot|FLAN|FTYPE:BL"'
+contains "add to a PDMS class, chosen" '"asked": 1'
+expect 1 "add to a PDMS class, cancelled" -- "$pipespec" add --dry-run --class PC-B2-E3D FL-WN-PN16 --choose cancel
+contains "add to a PDMS class, cancelled" "not made from BASE:@40|CAT|FLANGES|FL-WN-PN16"
+
 # add keeps its elements in the database file, which the next run reads.
 db="$tmp/project.pspec"
 expect 0 "add to a new database" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN16 TE-EQ --db "$db"
@@ -141,6 +162,32 @@ contains "export" '"name": "GD.VFCD"'
 contains "export" '"question": "SEL.PN"'
 expect 0 "export of a class without a tree" -- "$pipespec" export --class PC-S3-STRUCT --db "$db"
 contains "export of a class without a tree" '"selectors": null'
+
+# Each run that saves is a step that a later run can undo and redo.
+steps="$tmp/steps.pspec"
+expect 0 "add before undo" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN16 TE-EQ --db "$steps"
+expect 0 "undo" -- "$pipespec" undo --db "$steps"
+contains "undo" "the last step is undone; 0 to undo, 1 to redo"
+expect 0 "after undo" -- "$pipespec" info --db "$steps"
+contains "after undo" "PLANT:@20|PIPECLASSES|PC-A1-DIN  0 elements"
+expect 1 "nothing left to undo" -- "$pipespec" undo --db "$steps"
+contains "nothing left to undo" "Nothing to undo in $steps"
+expect 0 "redo" -- "$pipespec" redo --db "$steps" --json
+contains "redo" '"redone": true'
+expect 0 "after redo" -- "$pipespec" info --db "$steps"
+contains "after redo" "PLANT:@20|PIPECLASSES|PC-A1-DIN  2 elements"
+expect 1 "nothing left to redo" -- "$pipespec" redo --db "$steps"
+expect 0 "undo before a new change" -- "$pipespec" undo --db "$steps"
+expect 0 "a new change" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN40 --db "$steps"
+expect 1 "a new change drops the redo" -- "$pipespec" redo --db "$steps"
+contains "a new change drops the redo" "Nothing to redo"
+chmod a-w "$steps"
+before=$(checksum "$steps")
+expect 3 "undo on a write-protected file" -- "$pipespec" undo --db "$steps"
+[ "$(checksum "$steps")" = "$before" ] || fail "undo changed a write-protected file"
+chmod u+w "$steps"
+expect 3 "undo on a JSON project" -- "$pipespec" undo --db "$sample"
+contains "undo on a JSON project" "nothing is undone"
 
 # A JSON project is read, never written; save --as makes a database file of it.
 before=$(checksum "$sample")
