@@ -306,5 +306,43 @@ TEST_F(PdmsUpdate, GenerateNameWritesNothing)
     EXPECT_THAT(world.host().errors(), IsEmpty());
 }
 
+// ---- undo ----------------------------------------------------------------
+
+TEST_F(PdmsUpdate, UndoTakesAWholeDropBackAndRedoMakesItAgain)
+{
+    // A valve finds no top selector: the walk makes one.
+    const auto valve = world.device(catalog, "VA-1",
+                                    {{"GD.VFCD", "10800"}, {"PIPE.VSTD", "VALV"}, {"PDMS.Selector", ""}, {"E3D.X", ""}});
+    withLayout(valve);
+    const auto drop = world.workset()->NewUndoState();
+    world.workset()->SetCurrentUndoState(drop);
+    for (const auto& component : {tube, valve}) NewPipeClassElement(component, pipeClass, false);
+    world.workset()->SetCurrentUndoState(nullptr);
+
+    const auto afterDrop = [&] {
+        EXPECT_THAT(elementNames(), ElementsAre("SelectorRoot", "001", "002", "003"));
+        EXPECT_EQ(shopOf("001"), "TRUE");
+        EXPECT_EQ(shopOf("002"), "FALS");
+        const auto valves = asDevice(root->Elements()->Item("VALV"));
+        ASSERT_NE(valves, nullptr);
+        EXPECT_TRUE(same(element("003")->Spec("PDMS.Selector")->LinkObject(), valves));
+        EXPECT_NE(element("003")->Spec("PDMS.State"), nullptr);
+    };
+    afterDrop();
+    const auto valves = root->Elements()->Item("VALV");
+
+    drop->Undo();
+    EXPECT_THAT(elementNames(), ElementsAre("SelectorRoot"));
+    EXPECT_EQ(root->Elements()->Item("VALV"), nullptr);
+    EXPECT_TRUE(valves->IsDeleted());
+    // The catalogue keeps what it had: the walk wrote to the elements only.
+    EXPECT_EQ(world.value(tube, "PDMS.SHOP"), "");
+
+    drop->Redo();
+    afterDrop();
+    EXPECT_TRUE(same(root->Elements()->Item("VALV"), valves));
+    EXPECT_THAT(world.host().errors(), IsEmpty());
+}
+
 }  // namespace
 }  // namespace pipespec
