@@ -26,18 +26,23 @@ std::string schema()
 }
 
 // The first touch of a row in a step decides its image: the row as it was,
-// or, if there was none, the mark that the step added it. The guards are
-// written out, as an OR clause inside a trigger gives way to the outer
-// statement's (the writer's INSERT OR REPLACE).
+// or, if there was none, the mark that the step added it. Touched rows are
+// kept in a table of their own: a guard that looked into journal_rows, the
+// table being written, would make SQLite copy that table on every firing.
+// The guards are written out, as an OR clause inside a trigger gives way to
+// the outer statement's (the writer's INSERT OR REPLACE); for the touched
+// table itself either resolution does.
 std::string recordingTrigger(std::string_view name, std::string_view event, std::string_view row)
 {
     const std::string id = std::string(row) + ".id";
     const std::string now = "(SELECT step FROM temp.journal_now)";
-    const std::string untouched = "NOT EXISTS(SELECT 1 FROM journal_rows WHERE step = " + now + " AND id = " + id + ")";
+    const std::string untouched = "NOT EXISTS(SELECT 1 FROM temp.journal_touched WHERE id = " + id + ")";
     return "CREATE TEMP TRIGGER " + std::string(name) + " BEFORE " + std::string(event) +
            " ON main.objects WHEN EXISTS(SELECT 1 FROM temp.journal_now) BEGIN "
-           "INSERT INTO journal_rows SELECT " + now + ", 1, " + columnList() + " FROM main.objects WHERE id = " + id + " AND " +
-           untouched + "; INSERT INTO journal_rows(step, present, id) SELECT " + now + ", 0, " + id + " WHERE " + untouched + "; END;";
+           "INSERT INTO journal_rows SELECT " + now + ", 1, " + columnList() + " FROM main.objects WHERE id = " + id +
+           " AND " + untouched + "; INSERT INTO journal_rows(step, present, id) SELECT " + now + ", 0, " + id + " WHERE " +
+           untouched + " AND NOT EXISTS(SELECT 1 FROM main.objects WHERE id = " + id +
+           "); INSERT OR IGNORE INTO journal_touched(id) VALUES(" + id + "); END;";
 }
 
 }  // namespace
@@ -45,7 +50,7 @@ std::string recordingTrigger(std::string_view name, std::string_view event, std:
 UndoJournal::UndoJournal(const sqlite::Connection& file) : file_(file)
 {
     file_.exec(schema());
-    file_.exec("CREATE TEMP TABLE journal_now(step INTEGER NOT NULL)");
+    file_.exec("CREATE TEMP TABLE journal_now(step INTEGER NOT NULL); CREATE TEMP TABLE journal_touched(id INTEGER PRIMARY KEY)");
     file_.exec(recordingTrigger("journal_update", "UPDATE", "OLD"));
     file_.exec(recordingTrigger("journal_delete", "DELETE", "OLD"));
     file_.exec(recordingTrigger("journal_insert", "INSERT", "NEW"));
@@ -55,6 +60,7 @@ void UndoJournal::open(Side side)
 {
     step_ = file_.integer("SELECT coalesce(max(step), 0) + 1 FROM journal_steps");
     file_.prepare("INSERT INTO journal_steps(step, side) VALUES(?1, ?2)").bind(1, step_).bind(2, std::int64_t{static_cast<int>(side)}).run();
+    file_.exec("DELETE FROM temp.journal_touched");
     file_.prepare("INSERT INTO temp.journal_now(step) VALUES(?1)").bind(1, step_).run();
 }
 
