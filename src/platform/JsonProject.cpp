@@ -30,7 +30,7 @@ public:
     {
         expectObject(document, "the file", {"format", "version", "systemProject", "currentProject", "projects", "globals",
                                              "appGlobals", "names"});
-        if (document.value("format", "") != kFormat) fail("the file", "is not a pipespec project (\"format\" must be \"pipespec-sample\")");
+        if (!document.contains("format") || document["format"] != kFormat) fail("the file", "is not a pipespec project (\"format\" must be \"pipespec-sample\")");
         if (!document.contains("version") || !document["version"].is_number_integer() || document["version"].get<int>() != kVersion)
             fail("the file", "has a version this program does not read (expected " + std::to_string(kVersion) + ")");
 
@@ -59,6 +59,13 @@ public:
     }
 
 private:
+    // How an entry is named in an error, before it is known to be well formed.
+    static std::string placeName(const json& node)
+    {
+        const auto name = node.is_object() ? node.find("name") : node.end();
+        return name != node.end() && name->is_string() ? name->get<std::string>() : std::string("?");
+    }
+
     [[noreturn]] void fail(const std::string& where, const std::string& what) const
     {
         throw PlatformError(err::Configuration, "Project file " + origin_ + ": " + where + " " + what);
@@ -169,7 +176,7 @@ private:
 
     void readProject(const json& node)
     {
-        const std::string where = "project " + node.value("name", std::string("?"));
+        const std::string where = "project " + placeName(node);
         expectObject(node, where, {"name", "base", "accessRights", "languages", "options", "roots", "standardTables"});
         const auto name = nameOf(node, where);
         if (database_->project(name)) fail(where, "is in the file twice");
@@ -184,7 +191,7 @@ private:
         if (node.contains("options"))
             readOptions(node["options"], where + " \"options\"", [project](int n, Variant v) { project->setOption(n, std::move(v)); });
         for (const auto& root : array(node, "roots", where)) {
-            const auto rootWhere = where + " root " + root.value("name", std::string("?"));
+            const auto rootWhere = where + " root " + placeName(root);
             expectObject(root, rootWhere, {"name", "description", "devices", "specs"});
             auto device = project->addRoot(nameOf(root, rootWhere));
             readDeviceBody(*device, root, device->SystemFullName());
@@ -201,7 +208,7 @@ private:
 
     void readDevice(Device& owner, const json& node, const std::string& ownerWhere)
     {
-        const auto where = ownerWhere + "|" + node.value("name", std::string("?"));
+        const auto where = ownerWhere + "|" + placeName(node);
         expectObject(node, where, {"name", "description", "folder", "createOption", "readOnly", "cdevice", "specs", "devices", "xml"});
         const auto name = nameOf(node, where);
         if (owner.ownChildren().contains(name)) fail(where, "is in the file twice");
@@ -221,7 +228,7 @@ private:
 
     void readSpec(SpecHolder& owner, const json& node, const std::string& ownerWhere)
     {
-        const auto where = ownerWhere + (dynamic_cast<Device*>(&owner) ? "#" : ".") + node.value("name", std::string("?"));
+        const auto where = ownerWhere + (dynamic_cast<Device*>(&owner) ? "#" : ".") + placeName(node);
         expectObject(node, where, {"name", "description", "valueType", "value", "languageValues", "xvalues", "table", "link",
                                    "inherits", "inheritMode", "controlType", "controlProperties", "answerMode", "linkedCount",
                                    "locked", "readOnly", "xml", "specs"});
@@ -271,14 +278,14 @@ private:
 
     void readTable(StandardTable& owner, const json& node, const std::string& ownerWhere)
     {
-        const auto where = ownerWhere + " table " + node.value("name", std::string("?"));
+        const auto where = ownerWhere + " table " + placeName(node);
         expectObject(node, where, {"name", "description", "values", "children"});
         const auto name = nameOf(node, where);
         if (owner.child(name)) fail(where, "is in the file twice");
         auto table = owner.createChild(name);
         if (node.contains("description")) table->SetDescription(text(node, "description", where));
         for (const auto& value : array(node, "values", where)) {
-            const auto rowWhere = where + " row " + value.value("name", std::string("?"));
+            const auto rowWhere = where + " row " + placeName(value);
             expectObject(value, rowWhere, {"name", "value", "description"});
             const auto rowName = nameOf(value, rowWhere);
             if (table->row(rowName)) fail(rowWhere, "is in the file twice");

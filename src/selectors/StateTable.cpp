@@ -214,12 +214,13 @@ void HideColumns(const SpecRef& chapter, const ColumnChoice& choice, bool hideTe
         auto columns = split(order, "|");
         columns.pop_back();
         for (const auto& name : columns) {
+            widths.head += '|';
             if (!columnShown(name, layout, choice, upper, hideTemporary))
-                widths.head += "|0";
+                widths.head += '0';
             else if (oldIndex.Exists(name))
-                widths.head += "|" + oldWidths.at(static_cast<std::size_t>(oldIndex.Item(name)));
+                widths.head += oldWidths.at(static_cast<std::size_t>(oldIndex.Item(name)));
             else
-                widths.head += "|" + std::string(kStandardWidth);
+                widths.head += kStandardWidth;
         }
         setIfChanged(layout, widths.head + "|" + widths.tail);
 

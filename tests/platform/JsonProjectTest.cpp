@@ -84,6 +84,7 @@ TEST(JsonProject, BadFilesAreRefusedSayingWhere)
     EXPECT_THAT(refusal({{"format", "other"}, {"version", 1}}), HasSubstr("is not a pipespec project"));
     EXPECT_THAT(refusal({{"format", "pipespec-sample"}, {"version", 2}}), HasSubstr("version"));
     EXPECT_THAT(refusal(project({{"name", "P"}, {"colour", "red"}})), HasSubstr("unknown entry \"colour\""));
+    EXPECT_THAT(refusal(project(3)), HasSubstr("project ? must be an object"));
     EXPECT_THAT(refusal(project({{"name", "P"}, {"base", "NONE"}})), HasSubstr("'NONE'"));
     EXPECT_THAT(refusal(project({{"name", "P"},
                                  {"roots", json::array({{{"name", "@40"},
