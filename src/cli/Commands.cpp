@@ -293,8 +293,7 @@ int runQuestions(const Arguments& args, std::ostream& out)
     const Session session(args, Use::Read);
     const auto pipeClass = session.pipeClass(args.required("--class"));
     if (args.positional().size() != 1) throw UsageError("'questions' takes one component");
-    const auto chooser = std::make_shared<CommandLineChooser>(args.option("--choose").value_or("ask"), std::cin, std::cerr);
-    const auto previous = addtopipeclass::setChooseSelectorView(chooser);
+    const ChooserInstalled chooser(args);
 
     json report = {{"pipeClass", pipeClass->SystemFullName()}, {"questions", json::array()}, {"saved", false}};
     const auto element = elementFor(session, pipeClass, args.positional().front(), report);
@@ -310,9 +309,8 @@ int runQuestions(const Arguments& args, std::ostream& out)
     // A cancelled choice can delete the element it walked.
     const bool deleted = element && element->IsDeleted();
     report["deleted"] = deleted;
-    report["asked"] = chooser->asked();
+    report["asked"] = chooser.asked();
     report.update(whatWasSaid(session.host(), session.tracer(), args.flag("--trace")));
-    addtopipeclass::setChooseSelectorView(previous);
 
     if (args.flag("--json")) {
         out << report.dump(2) << "\n";
