@@ -20,6 +20,21 @@ struct ProjectFile::State {
         if (!file.readOnly()) journal.emplace(file);
     }
 
+    // A closed database is one file again, which a reader without write
+    // access to its folder can open. Another connection still on the file
+    // keeps it in log mode until the last one closes; a destructor cannot
+    // report that, nor is anything lost by it.
+    ~State()
+    {
+        if (!journal) return;
+        try {
+            file.exec("PRAGMA journal_mode = DELETE");
+        } catch (const PlatformError&) {
+        }
+    }
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+
     sqlite::Connection file;
     std::shared_ptr<Database> database;
     std::string nameOverrides;
@@ -30,14 +45,30 @@ struct ProjectFile::State {
 
 namespace {
 
-// A kill during a save must leave the last complete save: the rollback
-// journal undoes a cut-off transaction when the file is next opened, and
-// full syncs make that hold across a power cut too. A journal beside the
-// file exists only while a save runs, so a closed database is one file.
-void configure(const sqlite::Connection& file)
+// Small pages: a typical save changes a few attributes of many objects,
+// each in a page of its own, and every changed page is written whole. Only a
+// new file takes it; an older one keeps its page size.
+void configureNew(const sqlite::Connection& file)
+{
+    file.exec("PRAGMA page_size = " + std::to_string(format::kPageSize) + "; PRAGMA synchronous = FULL");
+}
+
+// While a file is open for writing, a save appends the pages it changed to a
+// log beside the file (write-ahead logging) and syncs once, instead of
+// copying every page to a rollback journal before changing it in place. The
+// log is folded into the file when it passes kLogPages and when the file is
+// closed. Full syncs make a save hold across a power cut; a kill during one
+// leaves the last complete save, which the log gives back at the next open.
+// The page cache holds the pages of a large save, so that none of them is
+// written to the log before the commit and again with it.
+constexpr int kLogPages = 65536;
+constexpr int kCacheKiB = 65536;
+
+void configureForWriting(const sqlite::Connection& file)
 {
     if (file.readOnly()) return;
-    file.exec("PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL");
+    file.exec("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA cache_size = -" + std::to_string(kCacheKiB) +
+              "; PRAGMA wal_autocheckpoint = " + std::to_string(kLogPages));
 }
 
 // Ours, of a version we read; anything else is refused before any write.
@@ -86,7 +117,7 @@ ProjectFile ProjectFile::create(const std::filesystem::path& path, std::shared_p
     auto file = sqlite::Connection::open(path, sqlite::Connection::Mode::Create);
     auto sections = standardSections();
     try {
-        configure(file);
+        configureNew(file);
         sqlite::Transaction transaction(file);
         file.exec(format::kSchema);
         file.exec("PRAGMA application_id = " + std::to_string(format::kApplicationId));
@@ -97,6 +128,7 @@ ProjectFile ProjectFile::create(const std::filesystem::path& path, std::shared_p
             section->save(file, *database);
         }
         transaction.commit();
+        configureForWriting(file);
     } catch (...) {
         // Half a new file is no file: it would pass for ours and hold nothing.
         { const auto closed = std::move(file); }
@@ -114,12 +146,13 @@ ProjectFile ProjectFile::open(const std::filesystem::path& path, Access access)
     auto file = sqlite::Connection::open(path, access == Access::ReadOnly ? sqlite::Connection::Mode::ReadOnly
                                                                            : sqlite::Connection::Mode::ReadWrite);
     checkFormat(file);
-    configure(file);
     auto database = Database::create();
     auto nameOverrides = format::readDatabase(file, *database);
     ProjectFile opened(std::make_unique<State>(std::move(file), std::move(database), std::move(nameOverrides),
                                                 std::vector<std::unique_ptr<FileSection>>{}));
     for (auto& section : standardSections()) opened.addSection(std::move(section));
+    // Only a file that was read whole is switched to the log: a refused one stays as it was.
+    configureForWriting(opened.state_->file);
     return opened;
 }
 

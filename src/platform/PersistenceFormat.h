@@ -30,6 +30,9 @@ inline constexpr std::int64_t kApplicationId = 0x50535043;
 // 2: the undo journal; a program that does not keep it must not write the file.
 inline constexpr std::int64_t kVersion = 2;
 
+// The page size of a new file, in bytes.
+inline constexpr int kPageSize = 1024;
+
 inline constexpr std::string_view kSchema = R"sql(
 CREATE TABLE meta(key TEXT PRIMARY KEY, value) WITHOUT ROWID;
 CREATE TABLE projects(position INTEGER PRIMARY KEY, name TEXT NOT NULL UNIQUE, base TEXT, access_rights INTEGER NOT NULL);

@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -125,33 +126,44 @@ void bindOption(Statement& statement, int parameter, const Variant& value, const
         value.storage());
 }
 
-// Whether an object is part of the database now: not deleted, not inherited,
-// and each owner up to a root still holds it.
-bool inDatabase(const StoredObject& object)
-{
-    std::shared_ptr<const StoredObject> member = object.shared_from_this();
-    while (!member->IsDeleted() && !member->SystemTemporary()) {
-        const auto owner = member->owner();
-        if (!owner) {
-            const auto project = member->storeProject();
-            return project && (project->root(member->Name()) == member || project->tableRoot() == member);
-        }
-        const auto& name = member->Name();
-        const bool held = [&] {
-            switch (kindOf(*member)) {
-            case ObjectKind::Root:
-            case ObjectKind::Device: return static_cast<const platform::Device&>(*owner).ownChildren().find(name) == member;
-            case ObjectKind::Specification: return static_cast<const SpecHolder&>(*owner).ownSpecs().find(name) == member;
-            case ObjectKind::Table: return static_cast<const platform::StandardTable&>(*owner).child(name) == member;
-            case ObjectKind::Row: return static_cast<const platform::StandardTable&>(*owner).row(name) == member;
-            }
-            return false;
-        }();
-        if (!held) return false;
-        member = owner;
+// Whether objects are part of the database now: not deleted, not inherited,
+// and each owner up to a root still holds them. The changed objects of a save
+// share their owners, so what was found for an owner is kept.
+class Membership {
+public:
+    bool holds(const StoredObject& object)
+    {
+        if (const auto known = known_.find(&object); known != known_.end()) return known->second;
+        const bool held = check(object);
+        known_.emplace(&object, held);
+        return held;
     }
-    return false;
-}
+
+private:
+    bool check(const StoredObject& object)
+    {
+        if (object.IsDeleted() || object.SystemTemporary()) return false;
+        const auto owner = object.owner();
+        const auto name = object.nameView();
+        if (!owner) {
+            const auto project = object.storeProject();
+            return project && (project->root(name).get() == &object || project->tableRoot().get() == &object);
+        }
+        const auto* held = [&]() -> const StoredObject* {
+            switch (kindOf(object)) {
+            case ObjectKind::Root:
+            case ObjectKind::Device: return static_cast<const platform::Device&>(*owner).ownChildren().find(name).get();
+            case ObjectKind::Specification: return static_cast<const SpecHolder&>(*owner).ownSpecs().find(name).get();
+            case ObjectKind::Table: return static_cast<const platform::StandardTable&>(*owner).child(name).get();
+            case ObjectKind::Row: return static_cast<const platform::StandardTable&>(*owner).row(name).get();
+            }
+            return nullptr;
+        }();
+        return held == &object && holds(*owner);
+    }
+
+    std::unordered_map<const StoredObject*, bool> known_;
+};
 
 // What holds members in the file: an object, or a project (its roots).
 struct Holder {
@@ -185,23 +197,35 @@ public:
     // of every writable project are matched the same way, as a project takes
     // new roots without a change of any object. Removal goes first for all,
     // so that an object moved to another owner is written after it left.
+    // The members in the file are read once, before removal: what a removal
+    // takes away below another changed owner is written again whole by the
+    // owner it moved to.
     SaveSummary changes(const Database& database)
     {
         std::vector<Holder> owners;
         for (const auto& project : database.projects())
             if (project->writable()) owners.push_back({project.get(), nullptr});
+        const auto projects = static_cast<std::ptrdiff_t>(owners.size());
+        Membership membership;
         for (const auto& object : database.changes()) {
-            if (!inDatabase(*object)) continue;
+            if (!membership.holds(*object)) continue;
             const auto& project = must(object->storeProject());
             if (!project.writable())
                 throw PlatformError(err::ReadOnly, "no write access to project " + project.Name() + ": " + object->SystemFullName() +
                                                        " was changed; nothing is saved");
             owners.push_back({&project, object.get()});
         }
-        for (const auto& owner : owners) removeGoneMembers(owner);
-        for (const auto& owner : owners) {
-            writeNewMembers(owner);
-            if (owner.object) updateFields(*owner.object);
+        // In the order of the file, so that the pages are read and written in sequence.
+        std::sort(owners.begin() + projects, owners.end(),
+                  [](const Holder& a, const Holder& b) { return a.object->uniqueNumber() < b.object->uniqueNumber(); });
+
+        std::vector<FileMembers> inFile;
+        inFile.reserve(owners.size());
+        for (const auto& owner : owners) inFile.push_back(membersInFile(owner));
+        for (std::size_t i = 0; i < owners.size(); ++i) removeGoneMembers(owners[i], inFile[i]);
+        for (std::size_t i = 0; i < owners.size(); ++i) {
+            writeNewMembers(owners[i], inFile[i]);
+            if (owners[i].object) updateFields(*owners[i].object);
         }
         return summary();
     }
@@ -264,33 +288,36 @@ private:
     }
 
     // The owner's members as the file has them: id -> position.
-    std::unordered_map<std::int64_t, std::int64_t> membersInFile(const Holder& owner)
+    using FileMembers = std::unordered_map<std::int64_t, std::int64_t>;
+    FileMembers membersInFile(const Holder& owner)
     {
         auto& query = owner.object ? membersOf_ : rootsOf_;
         if (owner.object)
             query.bind(1, idOf(*owner.object));
         else
             query.bind(1, owner.project->Name());
-        std::unordered_map<std::int64_t, std::int64_t> members;
+        FileMembers members;
         while (query.step()) members.emplace(query.integer(0), query.integer(1));
         query.reset();
         return members;
     }
 
-    void removeGoneMembers(const Holder& owner)
+    // Leaves in `inFile` the members that stay.
+    void removeGoneMembers(const Holder& owner, FileMembers& inFile)
     {
-        auto gone = membersInFile(owner);
+        if (inFile.empty()) return;
+        auto gone = inFile;
         visitMembers(owner, [&](const auto& member, std::size_t) { gone.erase(idOf(*member)); });
         for (const auto& [id, position] : gone) {
             removeTree_.bind(1, id);
             removeTree_.run();
             removed_ += static_cast<std::size_t>(file_.changes());
+            inFile.erase(id);
         }
     }
 
-    void writeNewMembers(const Holder& owner)
+    void writeNewMembers(const Holder& owner, const FileMembers& inFile)
     {
-        const auto inFile = membersInFile(owner);
         visitMembers(owner, [&](const auto& member, std::size_t position) {
             const auto found = inFile.find(idOf(*member));
             if (found == inFile.end())

@@ -9,10 +9,11 @@ namespace pipespec::platform::format {
 
 namespace {
 
-std::string columnList()
+// The columns of `objects`, each prefixed: "OLD.name, OLD.description, ...".
+std::string columnList(std::string_view prefix = {})
 {
     std::string columns;
-    for (const auto column : kColumns) columns += (columns.empty() ? "" : ", ") + std::string(column);
+    for (const auto column : kColumns) columns.append(columns.empty() ? "" : ", ").append(prefix).append(column);
     return columns;
 }
 
@@ -32,17 +33,35 @@ std::string schema()
 // The guards are written out, as an OR clause inside a trigger gives way to
 // the outer statement's (the writer's INSERT OR REPLACE); for the touched
 // table itself either resolution does.
-std::string recordingTrigger(std::string_view name, std::string_view event, std::string_view row)
+constexpr std::string_view kNow = "(SELECT step FROM temp.journal_now)";
+
+std::string untouched(std::string_view id)
 {
-    const std::string id = std::string(row) + ".id";
-    const std::string now = "(SELECT step FROM temp.journal_now)";
-    const std::string untouched = "NOT EXISTS(SELECT 1 FROM temp.journal_touched WHERE id = " + id + ")";
+    return "NOT EXISTS(SELECT 1 FROM temp.journal_touched WHERE id = " + std::string(id) + ")";
+}
+
+std::string recordingTrigger(std::string_view name, std::string_view event, std::string_view id, std::string_view recording)
+{
     return "CREATE TEMP TRIGGER " + std::string(name) + " BEFORE " + std::string(event) +
-           " ON main.objects WHEN EXISTS(SELECT 1 FROM temp.journal_now) BEGIN "
-           "INSERT INTO journal_rows SELECT " + now + ", 1, " + columnList() + " FROM main.objects WHERE id = " + id +
-           " AND " + untouched + "; INSERT INTO journal_rows(step, present, id) SELECT " + now + ", 0, " + id + " WHERE " +
-           untouched + " AND NOT EXISTS(SELECT 1 FROM main.objects WHERE id = " + id +
-           "); INSERT OR IGNORE INTO journal_touched(id) VALUES(" + id + "); END;";
+           " ON main.objects WHEN EXISTS(SELECT 1 FROM temp.journal_now) BEGIN " + std::string(recording) +
+           " INSERT OR IGNORE INTO journal_touched(id) VALUES(" + std::string(id) + "); END;";
+}
+
+// An update or a removal has the row as it was at hand.
+std::string recordingOld(std::string_view name, std::string_view event)
+{
+    return recordingTrigger(name, event, "OLD.id",
+                            "INSERT INTO journal_rows SELECT " + std::string(kNow) + ", 1, " + columnList("OLD.") + " WHERE " + untouched("OLD.id") + ";");
+}
+
+// An insertion may replace a row, which it looks up; else the step added the row.
+std::string recordingInsert()
+{
+    return recordingTrigger("journal_insert", "INSERT", "NEW.id",
+                            "INSERT INTO journal_rows SELECT " + std::string(kNow) + ", 1, " + columnList() +
+                                " FROM main.objects WHERE id = NEW.id AND " + untouched("NEW.id") +
+                                "; INSERT INTO journal_rows(step, present, id) SELECT " + std::string(kNow) + ", 0, NEW.id WHERE " +
+                                untouched("NEW.id") + " AND NOT EXISTS(SELECT 1 FROM main.objects WHERE id = NEW.id);");
 }
 
 }  // namespace
@@ -51,9 +70,9 @@ UndoJournal::UndoJournal(const sqlite::Connection& file) : file_(file)
 {
     file_.exec(schema());
     file_.exec("CREATE TEMP TABLE journal_now(step INTEGER NOT NULL); CREATE TEMP TABLE journal_touched(id INTEGER PRIMARY KEY)");
-    file_.exec(recordingTrigger("journal_update", "UPDATE", "OLD"));
-    file_.exec(recordingTrigger("journal_delete", "DELETE", "OLD"));
-    file_.exec(recordingTrigger("journal_insert", "INSERT", "NEW"));
+    file_.exec(recordingOld("journal_update", "UPDATE"));
+    file_.exec(recordingOld("journal_delete", "DELETE"));
+    file_.exec(recordingInsert());
 }
 
 void UndoJournal::open(Side side)
