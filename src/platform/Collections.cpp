@@ -262,7 +262,7 @@ LanguageObject::LanguageObject(std::string name, std::shared_ptr<StoreProject> p
 std::string LanguageObject::SystemFullName() const
 {
     const auto project = storeProject();
-    return (project ? project->Name() : std::string()) + ":@Language|" + name_;
+    return (project ? project->Name() : std::string()) + ":@Language|" + name_.str();
 }
 
 }  // namespace pipespec::platform

@@ -26,28 +26,57 @@ std::shared_ptr<T> self(const StoredObject& object)
 // ---- StoredObject ------------------------------------------------------
 
 StoredObject::StoredObject(std::string name, std::shared_ptr<StoreProject> project)
-    : name_(std::move(name)), project_(project), id_(nextUniqueNumber())
+    : name_(std::move(name)), project_(project)
 {
+    setUniqueId(nextUniqueNumber());
 }
 
 StoredObject::StoredObject(const std::shared_ptr<StoredObject>& origin, const std::shared_ptr<StoredObject>& owner)
-    : name_(origin->name_), owner_(owner), project_(owner->project_), origin_(origin), id_(nextUniqueNumber())
+    : name_(origin->name_), owner_(owner), project_(owner->project_)
 {
+    setUniqueId(nextUniqueNumber());
+    setOrigin(origin);
 }
 
 StoredObject::StoredObject(const StoredObject& other)
     : IBaseObject(other),
       std::enable_shared_from_this<StoredObject>(),
       name_(other.name_),
-      description_(other.Description()),
-      xml_(other.XmlText()),
       project_(other.project_),
-      id_(nextUniqueNumber()),
       folder_(other.IsFolder())
 {
+    setUniqueId(nextUniqueNumber());
+    copyTexts(other.stored<StoredObject>());
 }
 
-std::string StoredObject::Name() const { return name_; }
+const StoredObject::Rare& StoredObject::rare() const
+{
+    static const Rare none;
+    return rare_ ? *rare_ : none;
+}
+
+StoredObject::Rare& StoredObject::editRare() const
+{
+    if (!rare_) rare_ = std::make_unique<Rare>();
+    return *rare_;
+}
+
+const std::shared_ptr<StoredObject>& StoredObject::origin() const { return rare().origin; }
+
+void StoredObject::setOrigin(std::shared_ptr<StoredObject> origin)
+{
+    if (origin || rare_) editRare().origin = std::move(origin);
+}
+
+void StoredObject::copyTexts(const StoredObject& from)
+{
+    const auto& texts = from.rare();
+    if (!rare_ && texts.description.empty() && texts.xml.empty()) return;
+    editRare().description = texts.description;
+    editRare().xml = texts.xml;
+}
+
+std::string StoredObject::Name() const { return name_.str(); }
 
 void StoredObject::SetName(std::string_view name)
 {
@@ -58,22 +87,29 @@ void StoredObject::SetName(std::string_view name)
     auto me = shared_from_this();
     const auto rename = [me, parent](const std::string& from, const std::string& to) {
         if (parent) parent->renameMember(*me, from, to);
-        me->name_ = to;
+        me->name_ = CompactText(to);
     };
-    std::string from = name_;
+    std::string from = name_.str();
     std::string to(name);
     write([rename, from, to] { rename(from, to); }, [rename, from, to] { rename(to, from); });
 }
 
-std::string StoredObject::Description() const { return origin_ ? origin_->Description() : description_; }
-void StoredObject::SetDescription(std::string_view text) { assign(description_, std::string(text)); }
-std::string StoredObject::XmlText() const { return origin_ ? origin_->XmlText() : xml_; }
-void StoredObject::SetXmlText(std::string_view text) { assign(xml_, std::string(text)); }
+std::string StoredObject::Description() const { return stored<StoredObject>().rare().description; }
+void StoredObject::SetDescription(std::string_view text) { assign(editRare().description, std::string(text)); }
+std::string StoredObject::XmlText() const { return stored<StoredObject>().rare().xml; }
+void StoredObject::SetXmlText(std::string_view text) { assign(editRare().xml, std::string(text)); }
 
 WorksetRef StoredObject::Workset() const
 {
     const auto project = storeProject();
     return project ? project->Workset() : nullptr;
+}
+
+void StoredObject::setUniqueId(std::uint64_t id)
+{
+    constexpr std::uint64_t kMask = (std::uint64_t{1} << kUniqueNumberBits) - 1;
+    if (id & ~kMask) throw PlatformError(err::Configuration, "unique number " + std::to_string(id) + " is out of range");
+    id_ = id & kMask;
 }
 
 std::string StoredObject::UniqueId() const
@@ -87,13 +123,14 @@ ProjectRef StoredObject::Project() const { return storeProject(); }
 
 ObjectRef StoredObject::InheritanceOrigin() const
 {
-    if (origin_) return origin_->InheritanceOrigin();
+    if (const auto& from = origin()) return from->InheritanceOrigin();
     return std::const_pointer_cast<StoredObject>(shared_from_this());
 }
 
 bool StoredObject::CanMakePersistent() const
 {
-    if (!origin_ || readOnly_ || origin_->ReadOnly()) return false;
+    const auto& from = origin();
+    if (!from || readOnly_ || from->ReadOnly()) return false;
     const auto project = storeProject();
     const auto workset = project ? project->Workset() : nullptr;
     if (!workset || workset->CurrentProject() != project || !project->writable()) return false;
@@ -106,7 +143,7 @@ bool StoredObject::CanMakePersistent() const
 void StoredObject::checkWritable() const
 {
     if (deleted_) throw PlatformError(err::Deleted, SystemFullName() + " is deleted");
-    if (origin_) throw PlatformError(err::ReadOnly, SystemFullName() + " is inherited; make it persistent before writing");
+    if (origin()) throw PlatformError(err::ReadOnly, SystemFullName() + " is inherited; make it persistent before writing");
     if (readOnly_) throw PlatformError(err::ReadOnly, SystemFullName() + " is read-only");
     // An unowned copy is not yet in any project's care; the fixed roots are.
     const auto project = storeProject();
@@ -201,7 +238,26 @@ void StoredObject::adopt(const std::shared_ptr<StoredObject>& member)
 SpecHolder::SpecHolder(const SpecHolder& other) : IBaseObject(other), StoredObject(other)
 {
     // A copy holds what the original shows, inherited attributes included.
-    for (const auto& spec : other.allSpecs()) specs_.append(std::dynamic_pointer_cast<Specification>(spec->Copy()));
+    for (const auto& spec : other.allSpecs()) specMembers().specs.append(std::dynamic_pointer_cast<Specification>(spec->Copy()));
+}
+
+const NamedChildren<Specification>& SpecHolder::ownSpecs() const
+{
+    static const NamedChildren<Specification> none;
+    const auto& members = rare().specs;
+    return members ? members->specs : none;
+}
+
+SpecMembers& SpecHolder::specMembers() const
+{
+    auto& members = editRare().specs;
+    if (!members) members = std::make_unique<SpecMembers>();
+    return *members;
+}
+
+void SpecHolder::forgetSpecProxies() const
+{
+    if (const auto& members = rare().specs) members->proxies.clear();
 }
 
 bool SpecHolder::inheritsFrom(const SpecHolder& target) const
@@ -213,24 +269,24 @@ bool SpecHolder::inheritsFrom(const SpecHolder& target) const
 
 bool SpecHolder::memberNameTaken(const StoredObject& member, std::string_view name) const
 {
-    return dynamic_cast<const Specification*>(&member) && specs_.contains(name);
+    return dynamic_cast<const Specification*>(&member) && ownSpecs().contains(name);
 }
 
 void SpecHolder::renameMember(const StoredObject& member, const std::string& from, const std::string& to)
 {
-    if (dynamic_cast<const Specification*>(&member)) specs_.rename(from, to);
+    if (dynamic_cast<const Specification*>(&member) && rare().specs) rare().specs->specs.rename(from, to);
 }
 
 void SpecHolder::attachTo(const std::shared_ptr<StoredObject>& owner, const std::shared_ptr<StoreProject>& project)
 {
     StoredObject::attachTo(owner, project);
     const auto me = shared_from_this();
-    for (const auto& spec : specs_.items()) spec->attachTo(me, project);
+    for (const auto& spec : ownSpecs().items()) spec->attachTo(me, project);
 }
 
 std::shared_ptr<Specification> SpecHolder::effectiveSpec(std::string_view name) const
 {
-    if (auto own = specs_.find(name)) return own;
+    if (auto own = ownSpecs().find(name)) return own;
     for (const auto& source : inheritanceSources())
         if (auto found = source->effectiveSpec(name)) return found;
     return nullptr;
@@ -238,14 +294,14 @@ std::shared_ptr<Specification> SpecHolder::effectiveSpec(std::string_view name) 
 
 std::shared_ptr<Specification> SpecHolder::childSpec(std::string_view name) const
 {
-    if (auto own = specs_.find(name)) return own;
+    if (auto own = ownSpecs().find(name)) return own;
     const auto origin = [&]() -> std::shared_ptr<Specification> {
         for (const auto& source : inheritanceSources())
             if (auto found = source->effectiveSpec(name)) return found;
         return nullptr;
     }();
     if (!origin) return nullptr;
-    auto& proxy = specProxies_[std::string(name)];
+    auto& proxy = specMembers().proxies[std::string(name)];
     if (!proxy || proxy->origin() != origin || !proxy->SystemTemporary())
         proxy = std::make_shared<Specification>(origin, std::const_pointer_cast<StoredObject>(shared_from_this()));
     return proxy;
@@ -266,7 +322,7 @@ std::vector<ObjectRef> SpecHolder::allSpecs() const
 {
     std::vector<ObjectRef> all;
     std::unordered_map<std::string, bool> seen;
-    for (const auto& own : specs_.items()) {
+    for (const auto& own : ownSpecs().items()) {
         seen.emplace(own->Name(), true);
         all.push_back(own);
     }
@@ -280,13 +336,13 @@ std::vector<ObjectRef> SpecHolder::allSpecs() const
 
 void SpecHolder::addSpec(const std::shared_ptr<Specification>& spec, std::size_t at)
 {
-    specs_.insert(at, spec);
+    specMembers().specs.insert(at, spec);
     spec->attachTo(shared_from_this(), storeProject());
 }
 
 std::shared_ptr<Specification> SpecHolder::createSpec(std::string_view name)
 {
-    if (specs_.contains(name))
+    if (ownSpecs().contains(name))
         throw PlatformError(err::NameInUse, SystemFullName() + " already has an attribute '" + std::string(name) + "'");
     auto spec = Specification::create(std::string(name));
     adopt(spec);
@@ -296,14 +352,15 @@ std::shared_ptr<Specification> SpecHolder::createSpec(std::string_view name)
 std::size_t SpecHolder::memberPosition(const StoredObject& member) const
 {
     const auto* spec = dynamic_cast<const Specification*>(&member);
-    return spec ? specs_.position(*spec) : kLast;
+    return spec ? ownSpecs().position(*spec) : kLast;
 }
 
 void SpecHolder::removeMember(StoredObject& member)
 {
-    if (auto* spec = dynamic_cast<Specification*>(&member)) {
-        const auto at = specs_.position(*spec);
-        if (at < specs_.size()) specs_.erase(at);
+    if (auto* spec = dynamic_cast<Specification*>(&member); spec && rare().specs) {
+        auto& specs = rare().specs->specs;
+        const auto at = specs.position(*spec);
+        if (at < specs.size()) specs.erase(at);
     }
 }
 
@@ -315,7 +372,7 @@ void SpecHolder::insertMember(const std::shared_ptr<StoredObject>& member, std::
 void SpecHolder::markDeleted(bool deleted)
 {
     StoredObject::markDeleted(deleted);
-    for (const auto& spec : specs_.items()) spec->markDeleted(deleted);
+    for (const auto& spec : ownSpecs().items()) spec->markDeleted(deleted);
 }
 
 // ---- Device ------------------------------------------------------------
@@ -371,29 +428,28 @@ void Device::renameMember(const StoredObject& member, const std::string& from, c
 
 void Device::copyStoredFields(const Device& from)
 {
-    description_ = from.description_;
-    xml_ = from.xml_;
+    copyTexts(from);
     folder_ = from.folder_;
     createOption_ = from.createOption_;
 }
 
 void Device::MakePersistent()
 {
-    if (!origin_) return;
+    if (!origin()) return;
     persistOwner();
     const auto parent = std::dynamic_pointer_cast<Device>(owner());
     if (!parent) throw PlatformError(err::InvalidCall, SystemFullName() + " has no owner to be stored in");
     auto me = self<Device>(*this);
-    const auto origin = std::static_pointer_cast<Device>(origin_);
+    const auto origin = std::static_pointer_cast<Device>(this->origin());
     parent->write(
         [me, parent, origin] {
             me->copyStoredFields(origin->stored<Device>());
-            me->origin_.reset();
+            me->setOrigin(nullptr);
             parent->addChild(me, kLast);
         },
         [me, parent, origin] {
             parent->removeMember(*me);
-            me->origin_ = origin;
+            me->setOrigin(origin);
         });
 }
 
@@ -424,7 +480,7 @@ void Device::SetCDevice(const DeviceRef& base)
                                                        " would make it its own base object");
     assign(cdevice_, next);
     childProxies_.clear();
-    specProxies_.clear();
+    forgetSpecProxies();
 }
 
 std::string Device::SystemFullName() const
@@ -434,7 +490,7 @@ std::string Device::SystemFullName() const
         return (project ? project->Name() : std::string()) + ":" + name_;
     }
     const auto parent = ownerPath();
-    return parent.empty() ? name_ : parent + "|" + name_;
+    return parent.empty() ? name_.str() : parent + "|" + name_.str();
 }
 
 std::vector<std::shared_ptr<SpecHolder>> Device::inheritanceSources() const
@@ -519,7 +575,7 @@ void Device::releaseLinks()
     for (const auto& child : children_.items()) child->releaseLinks();
     cdevice_.reset();
     childProxies_.clear();
-    specProxies_.clear();
+    forgetSpecProxies();
 }
 
 // ---- Specification -----------------------------------------------------
@@ -541,32 +597,24 @@ std::shared_ptr<Specification> Specification::create(std::string name) { return 
 void Specification::copyStoredFields(const Specification& from)
 {
     value_ = from.value_;
-    table_ = from.table_;
-    link_ = from.link_;
-    inheritedChapter_ = from.inheritedChapter_;
     type_ = from.type_;
     locked_ = from.locked_;
-    // Changes recorded for undo refer to the fields of extras_, so it is
-    // refilled in place, never replaced.
-    if (from.extras_)
-        editExtras() = *from.extras_;
-    else if (extras_)
-        *extras_ = Extras{};
-    description_ = from.description_;
-    xml_ = from.xml_;
+    if (from.rare().extras || rare().extras) editExtras() = from.extras();
+    copyTexts(from);
 }
 
-const Specification::Extras& Specification::extras() const
+const AttributeExtras& Specification::extras() const
 {
-    static const Extras none;
-    const auto& source = stored<Specification>();
-    return source.extras_ ? *source.extras_ : none;
+    static const AttributeExtras none;
+    const auto& source = stored<Specification>().rare().extras;
+    return source ? *source : none;
 }
 
-Specification::Extras& Specification::editExtras()
+AttributeExtras& Specification::editExtras()
 {
-    if (!extras_) extras_ = std::make_unique<Extras>();
-    return *extras_;
+    auto& extras = editRare().extras;
+    if (!extras) extras = std::make_unique<AttributeExtras>();
+    return *extras;
 }
 
 ObjectRef Specification::Copy() const
@@ -578,21 +626,21 @@ ObjectRef Specification::Copy() const
 
 void Specification::MakePersistent()
 {
-    if (!origin_) return;
+    if (!origin()) return;
     persistOwner();
     const auto parent = std::dynamic_pointer_cast<SpecHolder>(owner());
     if (!parent) throw PlatformError(err::InvalidCall, SystemFullName() + " has no owner to be stored in");
     auto me = self<Specification>(*this);
-    const auto origin = std::static_pointer_cast<Specification>(origin_);
+    const auto origin = std::static_pointer_cast<Specification>(this->origin());
     parent->write(
         [me, parent, origin] {
             me->copyStoredFields(origin->stored<Specification>());
-            me->origin_.reset();
+            me->setOrigin(nullptr);
             parent->addSpec(me, kLast);
         },
         [me, parent, origin] {
             parent->removeMember(*me);
-            me->origin_ = origin;
+            me->setOrigin(origin);
         });
 }
 
@@ -605,10 +653,10 @@ std::shared_ptr<Device> Specification::device() const
 
 std::string Specification::NestedName() const
 {
-    std::string nested = name_;
+    std::string nested = name_.str();
     for (auto parent = std::dynamic_pointer_cast<Specification>(owner()); parent;
          parent = std::dynamic_pointer_cast<Specification>(parent->owner()))
-        nested = parent->name_ + "." + nested;
+        nested = parent->name_.str() + "." + nested;
     return nested;
 }
 
@@ -621,7 +669,7 @@ std::string Specification::SystemFullName() const
 std::vector<std::shared_ptr<SpecHolder>> Specification::inheritanceSources() const
 {
     std::vector<std::shared_ptr<SpecHolder>> sources;
-    if (const auto inherited = stored<Specification>().inheritedChapter_) sources.push_back(inherited);
+    if (const auto& inherited = extras().inheritedChapter) sources.push_back(inherited);
     if (const auto parent = std::dynamic_pointer_cast<SpecHolder>(owner()))
         for (const auto& source : parent->inheritanceSources())
             if (auto counterpart = source->effectiveSpec(name_); counterpart && counterpart.get() != this)
@@ -645,15 +693,15 @@ std::string Specification::Value() const
     const auto& source = stored<Specification>();
     if (source.type_ == 'C') {
         const auto& texts = extras().languageValues;
-        return texts.empty() ? source.value_ : texts.front();
+        return texts.empty() ? source.value_.str() : texts.front();
     }
-    return source.value_;
+    return source.value_.str();
 }
 
 void Specification::SetValue(std::string_view value)
 {
     if (type_ == 'C') return SetLanguageValue(1, value);
-    assign(value_, std::string(value));
+    assign(value_, CompactText(value));
 }
 
 void Specification::SetLanguageValue(int languageIndex, std::string_view value)
@@ -670,7 +718,7 @@ std::string Specification::DisplayValue() const
 {
     const auto value = Value();
     if (value.empty()) return value;
-    const auto& table = stored<Specification>().table_;
+    const auto& table = extras().table;
     const auto row = table ? table->rowWithValue(value) : nullptr;
     if (row && !row->Description().empty()) return row->Description();
     return value;
@@ -678,17 +726,17 @@ std::string Specification::DisplayValue() const
 
 ObjectRef Specification::StandardValue() const
 {
-    const auto& table = stored<Specification>().table_;
+    const auto& table = extras().table;
     return table ? table->rowWithValue(Value()) : nullptr;
 }
 
-ObjectRef Specification::StandardTable() const { return stored<Specification>().table_; }
+ObjectRef Specification::StandardTable() const { return extras().table; }
 
 void Specification::SetStandardTable(const ObjectRef& table)
 {
     auto next = std::dynamic_pointer_cast<platform::StandardTable>(table);
     if (table && !next) throw PlatformError(err::InvalidCall, "the value list of " + SystemFullName() + " must be a standard table");
-    assign(table_, next);
+    assign(editExtras().table, next);
 }
 
 SpecCollectionRef Specification::OwnSpecifications() const
@@ -706,10 +754,10 @@ void Specification::SetControlType(std::string_view type) { assign(editExtras().
 std::string Specification::ControlProperties() const { return extras().controlProperties; }
 void Specification::SetControlProperties(std::string_view text) { assign(editExtras().controlProperties, std::string(text)); }
 
-DeviceRef Specification::LinkObject() const { return asDevice(stored<Specification>().link_); }
-void Specification::SetLinkObject(const ObjectRef& object) { assign(link_, object); }
+DeviceRef Specification::LinkObject() const { return asDevice(extras().link); }
+void Specification::SetLinkObject(const ObjectRef& object) { assign(editExtras().link, object); }
 
-SpecRef Specification::InheritedChapter() const { return stored<Specification>().inheritedChapter_; }
+SpecRef Specification::InheritedChapter() const { return extras().inheritedChapter; }
 
 void Specification::InheritFrom(const SpecRef& chapter)
 {
@@ -718,8 +766,8 @@ void Specification::InheritFrom(const SpecRef& chapter)
     if (next && (next.get() == this || next->inheritsFrom(*this)))
         throw PlatformError(err::CycleRefused, SystemFullName() + " cannot inherit from " + chapter->SystemFullName() +
                                                    ": the chapter would inherit from itself");
-    assign(inheritedChapter_, next);
-    specProxies_.clear();
+    assign(editExtras().inheritedChapter, next);
+    forgetSpecProxies();
 }
 
 std::string Specification::GetXValue(int index) const
@@ -748,7 +796,7 @@ void Specification::SetAnswerMode(long mode) { assign(editExtras().answerMode, m
 
 std::string Specification::ValueOfDisplayText(std::string_view displayText) const
 {
-    if (const auto& table = stored<Specification>().table_)
+    if (const auto& table = extras().table)
         for (const auto& row : table->ownRows().items())
             if (row->Description() == displayText || row->Value() == displayText) return row->Value();
     return std::string(displayText);
@@ -766,15 +814,15 @@ StandardValue::StandardValue(std::string name) : StoredObject(std::move(name), n
 
 ObjectRef StandardValue::Copy() const
 {
-    auto copy = std::make_shared<platform::StandardValue>(name_);
+    auto copy = std::make_shared<platform::StandardValue>(name_.str());
     copy->value_ = value_;
-    copy->description_ = description_;
+    copy->copyTexts(*this);
     copy->project_ = project_;
     return copy;
 }
 
 std::string StandardValue::SystemFullName() const { return ownerPath() + "#" + name_; }
-void StandardValue::SetValue(std::string_view value) { assign(value_, std::string(value)); }
+void StandardValue::SetValue(std::string_view value) { assign(value_, CompactText(value)); }
 
 StandardTable::StandardTable(std::string name, std::shared_ptr<StoreProject> project)
     : StoredObject(std::move(name), std::move(project))
@@ -788,8 +836,8 @@ std::shared_ptr<StandardTable> StandardTable::create(std::string name, std::shar
 
 ObjectRef StandardTable::Copy() const
 {
-    auto copy = create(name_, storeProject());
-    copy->description_ = description_;
+    auto copy = create(name_.str(), storeProject());
+    copy->copyTexts(*this);
     for (const auto& row : rows_.items()) {
         auto rowCopy = std::dynamic_pointer_cast<platform::StandardValue>(row->Copy());
         copy->rows_.append(rowCopy);
@@ -812,7 +860,7 @@ std::string StandardTable::SystemFullName() const
         return (project ? project->Name() : std::string()) + ":" + name_;
     }
     const auto path = ownerPath();
-    return path.empty() ? name_ : path + "|" + name_;
+    return path.empty() ? name_.str() : path + "|" + name_.str();
 }
 
 SpecCollectionRef StandardTable::Values() const

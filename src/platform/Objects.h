@@ -6,6 +6,7 @@
 // MakePersistent turns into a stored one in place.
 
 #include "objectmodel/ObjectModel.h"
+#include "platform/CompactText.h"
 #include "platform/NamedChildren.h"
 
 #include <cstdint>
@@ -25,6 +26,33 @@ class Device;
 class Specification;
 class StandardTable;
 
+// The attributes or chapters of a device or chapter. Made with the first
+// member or proxy: most attributes hold none.
+struct SpecMembers {
+    NamedChildren<Specification> specs;
+    // A proxy stays here while an own member of its name hides it, so that
+    // the same object comes back when that member goes (undo of MakePersistent).
+    std::unordered_map<std::string, std::shared_ptr<Specification>> proxies;
+};
+
+// What an attribute rarely has. Changes recorded for undo refer to its
+// fields, so it is refilled in place, never replaced.
+struct AttributeExtras {
+    std::shared_ptr<StandardTable> table;
+    ObjectRef link;
+    std::shared_ptr<Specification> inheritedChapter;
+    std::string inheritMode;
+    std::string controlType;
+    std::string controlProperties;
+    std::vector<std::string> xValues;
+    std::vector<std::string> languageValues;
+    long answerMode = -9999;
+    int linkedCount = 0;
+};
+
+// Unique numbers are kept in this many bits.
+inline constexpr int kUniqueNumberBits = 48;
+
 // A position past the last member: insertMember puts the member last.
 inline constexpr std::size_t kLast = std::numeric_limits<std::size_t>::max();
 
@@ -34,15 +62,16 @@ inline constexpr std::size_t kLast = std::numeric_limits<std::size_t>::max();
 class StoredObject : public virtual IBaseObject, public std::enable_shared_from_this<StoredObject> {
 public:
     std::string Name() const override;
+    std::string_view nameView() const { return name_; }
     void SetName(std::string_view name) override;
     std::string Description() const override;
     void SetDescription(std::string_view text) override;
-    bool IsFolder() const override { return origin_ ? origin_->IsFolder() : folder_; }
+    bool IsFolder() const override { return stored<StoredObject>().folder_; }
     WorksetRef Workset() const override;
     std::string UniqueId() const override;
     ObjectRef Owner() const override { return owner_.lock(); }
     bool ReadOnly() const override { return readOnly_; }
-    bool SystemTemporary() const override { return origin_ != nullptr; }
+    bool SystemTemporary() const override { return origin() != nullptr; }
     ProjectRef Project() const override;
     ObjectRef InheritanceOrigin() const override;
     bool IsDeleted() const override { return deleted_; }
@@ -55,11 +84,12 @@ public:
     // Loading and building: properties the logic only reads.
     void setFolder(bool folder) { folder_ = folder; }
     void setReadOnly(bool readOnly) { readOnly_ = readOnly; }
-    void setUniqueId(std::uint64_t id) { id_ = id; }
+    void setUniqueId(std::uint64_t id);
     std::uint64_t uniqueNumber() const { return id_; }
     std::shared_ptr<StoreProject> storeProject() const { return project_.lock(); }
     std::shared_ptr<StoredObject> owner() const { return owner_.lock(); }
-    const std::shared_ptr<StoredObject>& origin() const { return origin_; }
+    // What a temporary object stands for; empty for a stored one.
+    const std::shared_ptr<StoredObject>& origin() const;
 
     // Attaching to and detaching from an owner; the project follows the owner.
     virtual void attachTo(const std::shared_ptr<StoredObject>& owner, const std::shared_ptr<StoreProject>& project);
@@ -100,7 +130,8 @@ protected:
     template <class T>
     const T& stored() const
     {
-        return origin_ ? static_cast<const T&>(*origin_).template stored<T>() : static_cast<const T&>(*this);
+        const auto& from = origin();
+        return from ? static_cast<const T&>(*from).template stored<T>() : static_cast<const T&>(*this);
     }
     // Tells the database that this object's fields or list of members changed.
     void noteChange();
@@ -109,16 +140,32 @@ protected:
     // The path part of the full name; empty owner means "not in the database".
     std::string ownerPath() const;
 
-    std::string name_;
-    std::string description_;
-    std::string xml_;
+    // What most objects lack, kept apart so that a plain attribute stays
+    // small. Allocated once and never replaced: undo refers to its fields.
+    struct Rare {
+        std::string description;
+        std::string xml;
+        std::shared_ptr<StoredObject> origin;
+        // A device's or chapter's attributes; an attribute's extras.
+        std::unique_ptr<SpecMembers> specs;
+        std::unique_ptr<AttributeExtras> extras;
+    };
+    const Rare& rare() const;
+    // Const, as look-ups make proxies.
+    Rare& editRare() const;
+    void setOrigin(std::shared_ptr<StoredObject> origin);
+    // Takes over the description and the XML text of `from`.
+    void copyTexts(const StoredObject& from);
+
+    CompactText name_;
+    mutable std::unique_ptr<Rare> rare_;
     std::weak_ptr<StoredObject> owner_;
     std::weak_ptr<StoreProject> project_;
-    std::shared_ptr<StoredObject> origin_;
-    std::uint64_t id_ = 0;
-    bool folder_ = false;
-    bool readOnly_ = false;
-    bool deleted_ = false;
+    // The number and the flags share one word.
+    std::uint64_t id_ : kUniqueNumberBits = 0;
+    bool folder_ : 1 = false;
+    bool readOnly_ : 1 = false;
+    bool deleted_ : 1 = false;
 };
 
 // Something that holds attributes: a device, or a chapter.
@@ -133,7 +180,7 @@ public:
     std::shared_ptr<Specification> effectiveSpec(std::string_view name) const;
     // Own and inherited members, own first, each name once.
     std::vector<ObjectRef> allSpecs() const;
-    const NamedChildren<Specification>& ownSpecs() const { return specs_; }
+    const NamedChildren<Specification>& ownSpecs() const;
 
     void addSpec(const std::shared_ptr<Specification>& spec, std::size_t at);
     std::shared_ptr<Specification> createSpec(std::string_view name);
@@ -155,10 +202,8 @@ protected:
     void markDeleted(bool deleted) override;
     void attachTo(const std::shared_ptr<StoredObject>& owner, const std::shared_ptr<StoreProject>& project) override;
 
-    NamedChildren<Specification> specs_;
-    // A proxy stays here while an own member of its name hides it, so that the
-    // same object comes back when that member goes (undo of MakePersistent).
-    mutable std::unordered_map<std::string, std::shared_ptr<Specification>> specProxies_;
+    SpecMembers& specMembers() const;
+    void forgetSpecProxies() const;
 };
 
 class Device final : public SpecHolder, public IDevice {
@@ -270,11 +315,11 @@ public:
     void setValueLocked(bool locked) { locked_ = locked; }
     // The stored fields as they are, for saving: the plain value under the
     // language values, and the link to whatever kind of object.
-    const std::string& plainValue() const { return value_; }
+    std::string_view plainValue() const { return value_; }
     const std::vector<std::string>& languageValues() const { return extras().languageValues; }
     const std::vector<std::string>& xValues() const { return extras().xValues; }
     bool valueLocked() const { return locked_; }
-    const ObjectRef& link() const { return link_; }
+    const ObjectRef& link() const { return extras().link; }
     // The device the attribute belongs to, through its chapters.
     std::shared_ptr<Device> device() const;
 
@@ -286,25 +331,11 @@ public:
 
 private:
     friend class StoredObject;
-    // Rarely set properties, kept apart so that a plain attribute stays small.
-    struct Extras {
-        std::string inheritMode;
-        std::string controlType;
-        std::string controlProperties;
-        std::vector<std::string> xValues;
-        std::vector<std::string> languageValues;
-        long answerMode = -9999;
-        int linkedCount = 0;
-    };
-    const Extras& extras() const;
-    Extras& editExtras();
+    const AttributeExtras& extras() const;
+    AttributeExtras& editExtras();
     void copyStoredFields(const Specification& from);
 
-    std::string value_;
-    std::shared_ptr<platform::StandardTable> table_;
-    ObjectRef link_;
-    std::shared_ptr<Specification> inheritedChapter_;
-    std::unique_ptr<Extras> extras_;
+    CompactText value_;
     char type_ = 'A';
     bool locked_ = false;
 };
@@ -317,11 +348,11 @@ public:
     void MakePersistent() override {}
     SpecRef Spec(std::string_view) const override { return nullptr; }
     std::string SystemFullName() const override;
-    std::string Value() const override { return value_; }
+    std::string Value() const override { return value_.str(); }
     void SetValue(std::string_view value) override;
 
 private:
-    std::string value_;
+    CompactText value_;
 };
 
 class StandardTable final : public StoredObject, public IStandardTable {

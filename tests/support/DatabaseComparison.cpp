@@ -191,7 +191,7 @@ private:
 
     void specification(const std::string& where, const Specification& a, const Specification& b)
     {
-        same(where, "value", a.plainValue(), b.plainValue());
+        same(where, "value", std::string(a.plainValue()), std::string(b.plainValue()));
         same(where, "value type", a.ValueType(), b.ValueType());
         same(where, "language values", joined(a.languageValues()), joined(b.languageValues()));
         same(where, "X values", joined(a.xValues()), joined(b.xValues()));
