@@ -16,6 +16,15 @@ std::pair<std::string_view, std::string_view> firstLevel(std::string_view name)
     return {name.substr(0, dot), name.substr(dot + 1)};
 }
 
+// A copy of a member, of the member's own kind.
+template <class T>
+std::shared_ptr<T> copyOf(const IBaseObject& member)
+{
+    auto copy = std::dynamic_pointer_cast<T>(member.Copy());
+    if (!copy) throw PlatformError(err::Internal, member.SystemFullName() + " did not copy as its own kind");
+    return copy;
+}
+
 template <class T>
 std::shared_ptr<T> self(const StoredObject& object)
 {
@@ -238,7 +247,7 @@ void StoredObject::adopt(const std::shared_ptr<StoredObject>& member)
 SpecHolder::SpecHolder(const SpecHolder& other) : IBaseObject(other), StoredObject(other)
 {
     // A copy holds what the original shows, inherited attributes included.
-    for (const auto& spec : other.allSpecs()) specMembers().specs.append(std::dynamic_pointer_cast<Specification>(spec->Copy()));
+    for (const auto& spec : other.allSpecs()) specMembers().specs.append(copyOf<Specification>(*spec));
 }
 
 const NamedChildren<Specification>& SpecHolder::ownSpecs() const
@@ -839,12 +848,12 @@ ObjectRef StandardTable::Copy() const
     auto copy = create(name_.str(), storeProject());
     copy->copyTexts(*this);
     for (const auto& row : rows_.items()) {
-        auto rowCopy = std::dynamic_pointer_cast<platform::StandardValue>(row->Copy());
+        auto rowCopy = copyOf<platform::StandardValue>(*row);
         copy->rows_.append(rowCopy);
         rowCopy->attachTo(copy, copy->storeProject());
     }
     for (const auto& table : tables_.items()) {
-        auto tableCopy = std::dynamic_pointer_cast<StandardTable>(table->Copy());
+        auto tableCopy = copyOf<StandardTable>(*table);
         copy->tables_.append(tableCopy);
         tableCopy->attachTo(copy, copy->storeProject());
     }
