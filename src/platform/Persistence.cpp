@@ -172,10 +172,12 @@ SaveSummary ProjectFile::save()
     const auto& file = state_->file;
     if (file.readOnly()) throw PlatformError(err::ReadOnly, "Database file " + file.path() + " is open read-only; nothing is saved");
     sqlite::Transaction transaction(file);
-    state_->journal->beginSave();
-    const auto summary = format::writeDatabase(file, *state_->database, state_->nameOverrides, format::SaveScope::Changes);
+    auto& journal = *state_->journal;
+    journal.beginSave();
+    const auto summary = format::writeDatabase(file, *state_->database, state_->nameOverrides, format::SaveScope::Changes,
+                                               [&journal](const auto& ids) { journal.recordBeforeUpdate(ids); });
     for (const auto& section : state_->sections) section->save(file, *state_->database);
-    state_->journal->endSave();
+    journal.endSave();
     transaction.commit();
     state_->database->forgetChanges();
     return summary;

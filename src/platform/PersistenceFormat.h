@@ -21,7 +21,9 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string_view>
+#include <vector>
 
 namespace pipespec::platform::format {
 
@@ -125,10 +127,13 @@ void forEachMember(const StoreProject& project, Visit&& visit)
 }
 
 // Writes a database: everything into a new file, or what changed since the
-// last save. Throws before writing for a change to a project without write access.
+// last save. Throws before writing for a change to a project without write
+// access. A save of changes tells `beforeUpdate` the ids of the rows whose
+// fields it is about to rewrite in place, all at once.
 enum class SaveScope { Everything, Changes };
+using BeforeUpdate = std::function<void(const std::vector<std::int64_t>& ids)>;
 SaveSummary writeDatabase(const sqlite::Connection& file, const Database& database, std::string_view nameOverrides,
-                          SaveScope scope);
+                          SaveScope scope, const BeforeUpdate& beforeUpdate = {});
 
 // Reads a whole file into an empty database; gives the name table overrides.
 // A file that does not hold together is error Configuration.

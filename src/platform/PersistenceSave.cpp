@@ -169,6 +169,7 @@ private:
 struct Holder {
     const StoreProject* project;
     const StoredObject* object;  // none: the project itself
+    std::int64_t id = 0;         // the object's
 };
 
 class Writer {
@@ -200,7 +201,7 @@ public:
     // The members in the file are read once, before removal: what a removal
     // takes away below another changed owner is written again whole by the
     // owner it moved to.
-    SaveSummary changes(const Database& database)
+    SaveSummary changes(const Database& database, const BeforeUpdate& beforeUpdate)
     {
         std::vector<Holder> owners;
         for (const auto& project : database.projects())
@@ -213,20 +214,23 @@ public:
             if (!project.writable())
                 throw PlatformError(err::ReadOnly, "no write access to project " + project.Name() + ": " + object->SystemFullName() +
                                                        " was changed; nothing is saved");
-            owners.push_back({&project, object.get()});
+            owners.push_back({&project, object.get(), idOf(*object)});
         }
         // In the order of the file, so that the pages are read and written in sequence.
-        std::sort(owners.begin() + projects, owners.end(),
-                  [](const Holder& a, const Holder& b) { return a.object->uniqueNumber() < b.object->uniqueNumber(); });
+        std::sort(owners.begin() + projects, owners.end(), [](const Holder& a, const Holder& b) { return a.id < b.id; });
 
         std::vector<FileMembers> inFile;
         inFile.reserve(owners.size());
         for (const auto& owner : owners) inFile.push_back(membersInFile(owner));
         for (std::size_t i = 0; i < owners.size(); ++i) removeGoneMembers(owners[i], inFile[i]);
-        for (std::size_t i = 0; i < owners.size(); ++i) {
-            writeNewMembers(owners[i], inFile[i]);
-            if (owners[i].object) updateFields(*owners[i].object);
+        for (std::size_t i = 0; i < owners.size(); ++i) writeNewMembers(owners[i], inFile[i]);
+        if (beforeUpdate) {
+            std::vector<std::int64_t> ids;
+            ids.reserve(owners.size());
+            for (auto owner = owners.begin() + projects; owner != owners.end(); ++owner) ids.push_back(owner->id);
+            beforeUpdate(ids);
         }
+        for (auto owner = owners.begin() + projects; owner != owners.end(); ++owner) updateFields(*owner->object);
         return summary();
     }
 
@@ -404,10 +408,11 @@ void writeSettings(const sqlite::Connection& file, const Database& database, std
 
 }  // namespace
 
-SaveSummary writeDatabase(const sqlite::Connection& file, const Database& database, std::string_view nameOverrides, SaveScope scope)
+SaveSummary writeDatabase(const sqlite::Connection& file, const Database& database, std::string_view nameOverrides, SaveScope scope,
+                          const BeforeUpdate& beforeUpdate)
 {
     Writer objects(file);
-    const auto summary = scope == SaveScope::Everything ? objects.everything(database) : objects.changes(database);
+    const auto summary = scope == SaveScope::Everything ? objects.everything(database) : objects.changes(database, beforeUpdate);
     writeSettings(file, database, nameOverrides, scope);
     return summary;
 }

@@ -2,6 +2,8 @@
 
 #include "platform/PersistenceFormat.h"
 
+#include <nlohmann/json.hpp>
+
 #include <string>
 #include <string_view>
 
@@ -47,7 +49,7 @@ std::string recordingTrigger(std::string_view name, std::string_view event, std:
            " INSERT OR IGNORE INTO journal_touched(id) VALUES(" + std::string(id) + "); END;";
 }
 
-// An update or a removal has the row as it was at hand.
+// A removal has the row as it was at hand.
 std::string recordingOld(std::string_view name, std::string_view event)
 {
     return recordingTrigger(name, event, "OLD.id",
@@ -70,7 +72,6 @@ UndoJournal::UndoJournal(const sqlite::Connection& file) : file_(file)
 {
     file_.exec(schema());
     file_.exec("CREATE TEMP TABLE journal_now(step INTEGER NOT NULL); CREATE TEMP TABLE journal_touched(id INTEGER PRIMARY KEY)");
-    file_.exec(recordingOld("journal_update", "UPDATE"));
     file_.exec(recordingOld("journal_delete", "DELETE"));
     file_.exec(recordingInsert());
 }
@@ -94,6 +95,17 @@ bool UndoJournal::close()
 }
 
 void UndoJournal::beginSave() { open(Side::Undo); }
+
+void UndoJournal::recordBeforeUpdate(const std::vector<std::int64_t>& ids)
+{
+    const auto list = nlohmann::json(ids).dump();
+    const std::string listed = " FROM main.objects AS kept WHERE kept.id IN (SELECT value FROM json_each(?2))";
+    file_.prepare("INSERT INTO journal_rows SELECT ?1, 1, " + columnList() + listed + " AND " + untouched("kept.id"))
+        .bind(1, step_)
+        .bind(2, list)
+        .run();
+    file_.prepare("INSERT OR IGNORE INTO temp.journal_touched(id) SELECT kept.id" + listed).bind(2, list).run();
+}
 
 void UndoJournal::endSave()
 {

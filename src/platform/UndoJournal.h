@@ -9,9 +9,12 @@
 // so that redo is the same operation taken from the other side. A save that
 // changes objects clears the redo side; the undo side keeps kDepth steps.
 //
-// The recording is done by temporary triggers of the file's connection, so
-// it sees every row that a save touches however the writer reaches it, and
-// another program that opens the file fires nothing. Only objects are
+// Rows added, replaced or removed are recorded by temporary triggers of the
+// file's connection, so the journal sees them however the writer reaches
+// them, and another program that opens the file fires nothing. Rows whose
+// fields a save rewrites in place are recorded all at once before the writer
+// updates them (recordBeforeUpdate): a trigger on each update cost a
+// thousand times a statement. Only objects are
 // journaled: options, application values and the sections are not.
 // Not part of the platform's interface.
 
@@ -19,6 +22,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace pipespec::platform::format {
 
@@ -37,6 +41,8 @@ public:
     // Records the rows that a save changes between begin and end as one step
     // of the undo side; all within the caller's transaction.
     void beginSave();
+    // The rows of `ids` as they are now, unless the step has them already.
+    void recordBeforeUpdate(const std::vector<std::int64_t>& ids);
     void endSave();
 
     // Takes back the newest step of `side`, recording its inverse on the

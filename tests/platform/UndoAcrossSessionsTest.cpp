@@ -128,6 +128,25 @@ TEST_F(UndoAcrossSessions, ANewChangeDropsWhatCouldBeRedoneAndEachStepIsTakenInT
     EXPECT_EQ(session.undoSteps(), 2u);
 }
 
+TEST_F(UndoAcrossSessions, FieldsRewrittenInPlaceComeBackAsTheyWereAndNewObjectsGo)
+{
+    DropWorld world;
+    auto session = ProjectFile::create(file, world.database());
+    const auto before = snapshot();
+    // One save rewrites fields of stored objects and makes a new element,
+    // whose fields it writes after making it.
+    world.pipeClassA1->SetDescription("renumbered");
+    must(world.pipeClassA1->Spec("GD.VFCD")).SetValue("10001");
+    world.dropComponents();
+    session.save();
+    const auto after = snapshot();
+
+    ASSERT_TRUE(session.undo());
+    EXPECT_THAT(differences(*before.database(), *session.database()), IsEmpty());
+    ASSERT_TRUE(session.redo());
+    EXPECT_THAT(differences(*after.database(), *session.database()), IsEmpty());
+}
+
 TEST_F(UndoAcrossSessions, WhatWouldBeLostOrMayNotBeWrittenIsRefused)
 {
     DropWorld world;
