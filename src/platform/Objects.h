@@ -63,6 +63,9 @@ class StoredObject : public virtual IBaseObject, public std::enable_shared_from_
 public:
     std::string Name() const override;
     std::string_view nameView() const { return name_; }
+    // The stored texts as they are, for saving.
+    std::string_view storedDescription() const { return stored<StoredObject>().rare().description; }
+    std::string_view storedXml() const { return stored<StoredObject>().rare().xml; }
     void SetName(std::string_view name) override;
     std::string Description() const override;
     void SetDescription(std::string_view text) override;
@@ -320,6 +323,8 @@ public:
     const std::vector<std::string>& xValues() const { return extras().xValues; }
     bool valueLocked() const { return locked_; }
     const ObjectRef& link() const { return extras().link; }
+    // What the attribute rarely has, as stored (see AttributeExtras).
+    const AttributeExtras& extras() const;
     // The device the attribute belongs to, through its chapters.
     std::shared_ptr<Device> device() const;
 
@@ -331,7 +336,6 @@ public:
 
 private:
     friend class StoredObject;
-    const AttributeExtras& extras() const;
     AttributeExtras& editExtras();
     void copyStoredFields(const Specification& from);
 
@@ -349,6 +353,7 @@ public:
     SpecRef Spec(std::string_view) const override { return nullptr; }
     std::string SystemFullName() const override;
     std::string Value() const override { return value_.str(); }
+    std::string_view plainValue() const { return value_; }
     void SetValue(std::string_view value) override;
 
 private:

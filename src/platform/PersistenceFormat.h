@@ -109,11 +109,18 @@ void forEachMember(const StoredObject& owner, Visit&& visit)
         std::size_t position = 0;
         for (const auto& member : list.items()) visit(std::static_pointer_cast<StoredObject>(member), position++);
     };
-    if (const auto* device = dynamic_cast<const platform::Device*>(&owner)) each(device->ownChildren());
-    if (const auto* holder = dynamic_cast<const SpecHolder*>(&owner)) each(holder->ownSpecs());
-    if (const auto* table = dynamic_cast<const platform::StandardTable*>(&owner)) {
-        each(table->ownTables());
-        each(table->ownRows());
+    switch (kindOf(owner)) {
+    case ObjectKind::Root:
+    case ObjectKind::Device:
+        each(static_cast<const platform::Device&>(owner).ownChildren());
+        each(static_cast<const platform::Device&>(owner).ownSpecs());
+        break;
+    case ObjectKind::Specification: each(static_cast<const platform::Specification&>(owner).ownSpecs()); break;
+    case ObjectKind::Table:
+        each(static_cast<const platform::StandardTable&>(owner).ownTables());
+        each(static_cast<const platform::StandardTable&>(owner).ownRows());
+        break;
+    case ObjectKind::Row: break;
     }
 }
 

@@ -140,8 +140,8 @@ private:
     void applyFields(const Statement& row, StoredObject& object)
     {
         const auto self = object.shared_from_this();
-        if (const auto text = row.text(Description); !text.empty()) object.SetDescription(text);
-        if (const auto text = row.text(Xml); !text.empty()) object.SetXmlText(text);
+        if (const auto text = row.textView(Description); !text.empty()) object.SetDescription(text);
+        if (const auto text = row.textView(Xml); !text.empty()) object.SetXmlText(text);
         object.setFolder(row.integer(Folder) != 0);
         if (row.integer(ReadOnly) != 0) readOnly_.push_back(self);
 
@@ -150,11 +150,11 @@ private:
             laterLink(row, CDevice, self);
         } else if (auto* spec = dynamic_cast<Specification*>(&object)) {
             // The plain value first: once the type is "C", values go to the languages.
-            if (const auto value = row.text(Value); !value.empty()) spec->SetValue(value);
-            if (const auto type = row.text(ValueType); type != "A") spec->SetValueType(type);
-            if (const auto mode = row.text(InheritMode); !mode.empty()) spec->SetInheritMode(mode);
-            if (const auto type = row.text(ControlType); !type.empty()) spec->SetControlType(type);
-            if (const auto text = row.text(ControlProperties); !text.empty()) spec->SetControlProperties(text);
+            if (const auto value = row.textView(Value); !value.empty()) spec->SetValue(value);
+            if (const auto type = row.textView(ValueType); type != "A") spec->SetValueType(type);
+            if (const auto mode = row.textView(InheritMode); !mode.empty()) spec->SetInheritMode(mode);
+            if (const auto type = row.textView(ControlType); !type.empty()) spec->SetControlType(type);
+            if (const auto text = row.textView(ControlProperties); !text.empty()) spec->SetControlProperties(text);
             if (const auto mode = row.integer(AnswerMode); mode != spec->AnswerMode()) spec->SetAnswerMode(static_cast<long>(mode));
             if (const auto count = row.integer(LinkedCount); count != 0) spec->setLinkedCount(static_cast<int>(count));
             int index = 0;
@@ -166,7 +166,7 @@ private:
             laterLink(row, Link, self);
             laterLink(row, Inherits, self);
         } else if (auto* tableRow = dynamic_cast<platform::StandardValue*>(&object)) {
-            tableRow->SetValue(row.text(Value));
+            tableRow->SetValue(row.textView(Value));
         }
     }
 

@@ -14,12 +14,14 @@ namespace pipespec::platform::format {
 
 ObjectKind kindOf(const StoredObject& object)
 {
-    if (const auto* device = dynamic_cast<const platform::Device*>(&object))
-        return device->isRoot() ? ObjectKind::Root : ObjectKind::Device;
-    if (dynamic_cast<const platform::Specification*>(&object)) return ObjectKind::Specification;
-    if (dynamic_cast<const platform::StandardTable*>(&object)) return ObjectKind::Table;
-    if (dynamic_cast<const platform::StandardValue*>(&object)) return ObjectKind::Row;
-    throw PlatformError(err::Internal, object.SystemFullName() + " is no kind of object a database file keeps");
+    switch (object.SystemType()) {
+    case systemtype::Root: return ObjectKind::Root;
+    case systemtype::Device: return ObjectKind::Device;
+    case systemtype::Specification: return ObjectKind::Specification;
+    case systemtype::StandardTable: return ObjectKind::Table;
+    case systemtype::StandardValue: return ObjectKind::Row;
+    default: throw PlatformError(err::Internal, object.SystemFullName() + " is no kind of object a database file keeps");
+    }
 }
 
 namespace {
@@ -64,34 +66,43 @@ void bindTexts(Statement& statement, int parameter, const std::vector<std::strin
 }
 
 // Binds the fields of an object to parameters 1 to FieldCount; the fields
-// another kind has stay NULL.
+// another kind has stay NULL. Texts kept in the object are read in place.
 void bindFields(Statement& statement, const StoredObject& object)
 {
     const auto at = [](Field field) { return field + 1; };
-    statement.bind(at(Name), object.Name());
-    statement.bind(at(Description), object.Description());
-    statement.bind(at(Xml), object.XmlText());
+    statement.bindInPlace(at(Name), object.nameView());
+    statement.bindInPlace(at(Description), object.storedDescription());
+    statement.bindInPlace(at(Xml), object.storedXml());
     bindFlag(statement, at(Folder), object.IsFolder());
     bindFlag(statement, at(ReadOnly), object.ReadOnly());
-    if (const auto* device = dynamic_cast<const platform::Device*>(&object)) {
-        statement.bind(at(CreateOption), std::int64_t{device->CreateOption()});
-        bindLink(statement, at(CDevice), device->CDevice());
-    } else if (const auto* spec = dynamic_cast<const platform::Specification*>(&object)) {
-        statement.bind(at(Value), spec->plainValue());
-        statement.bind(at(ValueType), spec->ValueType());
-        bindLink(statement, at(StandardTable), spec->StandardTable());
-        bindLink(statement, at(Link), spec->link());
-        bindLink(statement, at(Inherits), spec->InheritedChapter());
-        statement.bind(at(InheritMode), spec->InheritMode());
-        statement.bind(at(ControlType), spec->ControlType());
-        statement.bind(at(ControlProperties), spec->ControlProperties());
-        statement.bind(at(AnswerMode), std::int64_t{spec->AnswerMode()});
-        statement.bind(at(LinkedCount), std::int64_t{spec->LinkedCount()});
-        bindFlag(statement, at(ValueLocked), spec->valueLocked());
-        bindTexts(statement, at(XValues), spec->xValues());
-        bindTexts(statement, at(LanguageValues), spec->languageValues());
-    } else if (const auto* row = dynamic_cast<const platform::StandardValue*>(&object)) {
-        statement.bind(at(Value), row->Value());
+    switch (kindOf(object)) {
+    case ObjectKind::Root:
+    case ObjectKind::Device: {
+        const auto& device = static_cast<const platform::Device&>(object);
+        statement.bind(at(CreateOption), std::int64_t{device.CreateOption()});
+        bindLink(statement, at(CDevice), device.CDevice());
+        break;
+    }
+    case ObjectKind::Specification: {
+        const auto& spec = static_cast<const platform::Specification&>(object);
+        const auto& extras = spec.extras();
+        statement.bindInPlace(at(Value), spec.plainValue());
+        statement.bind(at(ValueType), spec.ValueType());
+        bindLink(statement, at(StandardTable), extras.table);
+        bindLink(statement, at(Link), extras.link);
+        bindLink(statement, at(Inherits), extras.inheritedChapter);
+        statement.bindInPlace(at(InheritMode), extras.inheritMode);
+        statement.bindInPlace(at(ControlType), extras.controlType);
+        statement.bindInPlace(at(ControlProperties), extras.controlProperties);
+        statement.bind(at(AnswerMode), std::int64_t{extras.answerMode});
+        statement.bind(at(LinkedCount), std::int64_t{extras.linkedCount});
+        bindFlag(statement, at(ValueLocked), spec.valueLocked());
+        bindTexts(statement, at(XValues), extras.xValues);
+        bindTexts(statement, at(LanguageValues), extras.languageValues);
+        break;
+    }
+    case ObjectKind::Row: statement.bindInPlace(at(Value), static_cast<const platform::StandardValue&>(object).plainValue()); break;
+    case ObjectKind::Table: break;
     }
 }
 

@@ -99,6 +99,12 @@ Statement& Statement::bind(int index, std::string_view text)
     return *this;
 }
 
+Statement& Statement::bindInPlace(int index, std::string_view text)
+{
+    check(sqlite3_bind_text(statement_.get(), index, text.data(), length(text), SQLITE_STATIC), "binding a text");
+    return *this;
+}
+
 Statement& Statement::bindNull(int index)
 {
     check(sqlite3_bind_null(statement_.get(), index), "binding");
@@ -134,11 +140,13 @@ bool Statement::isText(int column) const { return sqlite3_column_type(statement_
 std::int64_t Statement::integer(int column) const { return sqlite3_column_int64(statement_.get(), column); }
 double Statement::real(int column) const { return sqlite3_column_double(statement_.get(), column); }
 
-std::string Statement::text(int column) const
+std::string Statement::text(int column) const { return std::string(textView(column)); }
+
+std::string_view Statement::textView(int column) const
 {
     const auto* bytes = sqlite3_column_text(statement_.get(), column);
     const int size = sqlite3_column_bytes(statement_.get(), column);
-    return bytes ? std::string(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size)) : std::string();
+    return bytes ? std::string_view(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size)) : std::string_view();
 }
 
 // ---- Transaction -------------------------------------------------------

@@ -55,6 +55,9 @@ public:
     Statement& bind(int index, std::int64_t value);
     Statement& bind(int index, double value);
     Statement& bind(int index, std::string_view text);
+    // A text that stays where it is until the statement has run: SQLite
+    // reads it in place instead of copying it.
+    Statement& bindInPlace(int index, std::string_view text);
     Statement& bindNull(int index);
 
     // Steps once; true while it gives a row.
@@ -68,6 +71,8 @@ public:
     std::int64_t integer(int column) const;
     double real(int column) const;
     std::string text(int column) const;
+    // The text of a column, valid until the next step or reset.
+    std::string_view textView(int column) const;
 
 private:
     friend class Connection;
