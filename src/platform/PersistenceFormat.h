@@ -136,7 +136,8 @@ void forEachMember(const StoreProject& project, Visit&& visit)
 // Writes a database: everything into a new file, or what changed since the
 // last save. Throws before writing for a change to a project without write
 // access. A save of changes tells `beforeUpdate` the ids of the rows whose
-// fields it is about to rewrite in place, all at once.
+// fields it is about to rewrite in place, all at once; these updates are the
+// last writes to objects.
 enum class SaveScope { Everything, Changes };
 using BeforeUpdate = std::function<void(const std::vector<std::int64_t>& ids)>;
 SaveSummary writeDatabase(const sqlite::Connection& file, const Database& database, std::string_view nameOverrides,

@@ -99,12 +99,11 @@ void UndoJournal::beginSave() { open(Side::Undo); }
 void UndoJournal::recordBeforeUpdate(const std::vector<std::int64_t>& ids)
 {
     const auto list = nlohmann::json(ids).dump();
-    const std::string listed = " FROM main.objects AS kept WHERE kept.id IN (SELECT value FROM json_each(?2))";
-    file_.prepare("INSERT INTO journal_rows SELECT ?1, 1, " + columnList() + listed + " AND " + untouched("kept.id"))
+    file_.prepare("INSERT INTO journal_rows SELECT ?1, 1, " + columnList("kept.") +
+                  " FROM json_each(?2) AS listed JOIN main.objects AS kept ON kept.id = listed.value WHERE " + untouched("kept.id"))
         .bind(1, step_)
         .bind(2, list)
         .run();
-    file_.prepare("INSERT OR IGNORE INTO temp.journal_touched(id) SELECT kept.id" + listed).bind(2, list).run();
 }
 
 void UndoJournal::endSave()

@@ -42,6 +42,8 @@ public:
     // of the undo side; all within the caller's transaction.
     void beginSave();
     // The rows of `ids` as they are now, unless the step has them already.
+    // For the last writes of a step, after its insertions and removals: the
+    // rows are not marked as touched, as nothing writes them again.
     void recordBeforeUpdate(const std::vector<std::int64_t>& ids);
     void endSave();
 
