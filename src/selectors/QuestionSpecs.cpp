@@ -8,6 +8,7 @@
 #include "selectors/ColumnKeys.h"
 #include "selectors/QuestionWalk.h"
 
+#include <algorithm>
 #include <array>
 
 namespace pipespec::addtopipeclass {
@@ -17,6 +18,10 @@ using diagnostics::Trace;
 
 namespace {
 constexpr std::string_view kInSpec = " (in spec)";
+// What marks a description as taken into the spec, in any case.
+constexpr std::string_view kInSpecMark = "IN SPEC";
+// A question ending in this, in any case, asks for the shop attribute.
+constexpr std::string_view kShop = "SHOP";
 constexpr std::string_view kEditControl = "QuorlSUIEdit.SUIEdit";
 constexpr std::string_view kBox = "BOX14";
 constexpr std::string_view kText = "A";
@@ -24,13 +29,27 @@ constexpr std::string_view kNumber = "N";
 constexpr long kSingleAnswer = -9999;
 constexpr long kRangeAnswer = 2;
 constexpr long kAcceptedRange = 1;
-constexpr std::array kOtherClassBores{"VC11", "VC21", "VC31", "VC41"};
+constexpr std::array<std::string_view, 4> kOtherClassBores{"VC11", "VC21", "VC31", "VC41"};
+
+char asciiUpper(char c) { return 'a' <= c && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+// Whether `text` holds `upperCase` with its letters in any case; ASCII letters only.
+bool containsInAnyCase(std::string_view text, std::string_view upperCase)
+{
+    const auto sameLetter = [](char a, char b) { return asciiUpper(a) == b; };
+    return std::search(text.begin(), text.end(), upperCase.begin(), upperCase.end(), sameLetter) != text.end();
+}
+
+// Whether `text` ends in `upperCase` with its letters in any case; ASCII letters only.
+bool endsInAnyCase(std::string_view text, std::string_view upperCase)
+{
+    return text.size() >= upperCase.size() && containsInAnyCase(text.substr(text.size() - upperCase.size()), upperCase);
+}
 
 bool isOtherClassBore(std::string_view question)
 {
-    for (const auto bore : kOtherClassBores)
-        if (text::InStr(question, bore) > 0) return true;
-    return false;
+    return std::any_of(kOtherClassBores.begin(), kOtherClassBores.end(),
+                       [question](std::string_view bore) { return question.find(bore) != std::string_view::npos; });
 }
 
 std::string joinWithPoints(const std::vector<std::string>& parts)
@@ -93,6 +112,8 @@ void CreateQuestionSpec(const std::vector<std::string>& parts, const DeviceRef& 
 void QuestionWalk::walkUp()
 {
     const auto& sele = diagnostics::names().Sele();
+    // The climb ends at the owner of the selector root, which the walk up leaves where it is.
+    const auto end = root_ ? root_->Owner() : nullptr;
     bool rangeAnswer = false;
     bool shopPending = false;
     for (;;) {
@@ -101,8 +122,8 @@ void QuestionWalk::walkUp()
             return;
         }
         // Without a question attribute q keeps the text of the selector before.
-        p_.step([&] { q_ = must(last_->Spec(sele.NextQuestion())).ValueText(); });
-        if (text::Right(text::UCase(q_), 4) == "SHOP") shopPending = true;
+        p_.step([&] { q_ = must(last_->Spec(nextQuestion_.in(sele))).ValueText(); });
+        if (endsInAnyCase(q_, kShop)) shopPending = true;
 
         if (!q_.empty()) {
             if (isPDMS_ && columnkey::isBoreText(q_)) {
@@ -110,7 +131,7 @@ void QuestionWalk::walkUp()
                 recordBoreQuestion();
             } else if (!isPDMS_ && isOtherClassBore(q_)) {
                 p_.step([&] {
-                    if (text::InStr(q_, ".") == 0) q_ = chapter_ + "." + q_;
+                    putInChapter();
                     spec_ = component_->Spec(q_);
                 });
                 recordBoreQuestion();
@@ -123,15 +144,25 @@ void QuestionWalk::walkUp()
         // The type of a selector decides the answer form of its owner's question.
         rangeAnswer = false;
         p_.step([&] {
-            const auto type = last_->Spec(sele.SelectorType());
+            const auto type = last_->Spec(selectorType_.in(sele));
             if (type && text::CDbl(type->Value()) == 0) rangeAnswer = true;
         });
-        last_ = asDevice(last_->Owner());
-        if (same(last_, root_ ? root_->Owner() : nullptr)) {
+        last_ = ownerOf(*last_);
+        if (same(last_, end)) {
             t_.leave();
             return;
         }
     }
+}
+
+DeviceRef QuestionWalk::ownerOf(const IDevice& selector) const
+{
+    const auto owner = selector.Owner();
+    const auto isOwner = [&owner](const DeviceRef& device) {
+        return device && static_cast<const IBaseObject*>(device.get()) == owner.get();
+    };
+    const auto passed = std::find_if(passed_.rbegin(), passed_.rend(), isOwner);
+    return passed != passed_.rend() ? *passed : asDevice(owner);
 }
 
 void QuestionWalk::answerBoreQuestionOfPdmsClass()
@@ -190,21 +221,13 @@ void QuestionWalk::recordBoreQuestion()
 
 void QuestionWalk::answerPlainQuestion(bool& shopPending, bool rangeAnswer)
 {
-    std::vector<std::string> parts;
-    p_.step([&] {
-        if (text::InStr(q_, ".") == 0) q_ = chapter_ + "." + q_;
-        parts = splitAtPoints(q_);
-    });
+    p_.step([&] { putInChapter(); });
     p_.step([&] { spec_ = component_->Spec(q_); });
-    if (!spec_ && rangeAnswer) p_.step([&] { findStoredRangePair(parts); });
-    if (!spec_)
-        p_.step([&] {
-            parts = splitAtPoints(q_);
-            CreateQuestionSpec(parts, component_, spec_, boxSpec_);
-        });
+    if (!spec_ && rangeAnswer) p_.step([&] { findStoredRangePair(); });
+    if (!spec_) p_.step([&] { CreateQuestionSpec(splitAtPoints(q_), component_, spec_, boxSpec_); });
     p_.step([&] {
         if (!spec_ || spec_->SystemTemporary() || spec_->ReadOnly()) return;
-        if (text::InStr(text::LCase(spec_->Description()), "in spec") == 0)
+        if (!containsInAnyCase(spec_->Description(), kInSpecMark))
             spec_->SetDescription(spec_->Description() + std::string(kInSpec));
     });
     // A question on the root itself gives no result.
@@ -220,8 +243,9 @@ void QuestionWalk::answerPlainQuestion(bool& shopPending, bool rangeAnswer)
 // A range stored as two attributes "MINATTR" and "MAXATTR". The name part is
 // not restored between the two asks, so the second reads "MAXMINATTR": the
 // first attribute counts only if one of that doubled name exists too.
-void QuestionWalk::findStoredRangePair(std::vector<std::string>& parts)
+void QuestionWalk::findStoredRangePair()
 {
+    auto parts = splitAtPoints(q_);
     auto& attribute = parts.back();
     attribute = "MIN" + attribute;
     spec_ = component_->Spec(joinWithPoints(parts));

@@ -8,9 +8,12 @@
 
 #include "diagnostics/ErrorTail.h"
 #include "diagnostics/Messages.h"
+#include "objectmodel/NameTable.h"
 #include "selectors/Selectors.h"
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace pipespec::addtopipeclass {
 
@@ -25,6 +28,26 @@ public:
 private:
     enum class Walk { Continue, Leave };
 
+    // A leaf of the name table that the walk asks of every selector it
+    // passes, looked up once a walk. A failed look-up keeps nothing, so that
+    // it fails again where it is asked next, as each ask did on its own.
+    class LeafOnce {
+    public:
+        using Leaf = const std::string& (INameTable::*)() const;
+
+        explicit LeafOnce(Leaf leaf) noexcept : leaf_(leaf) {}
+
+        const std::string& in(const INameTable& node)
+        {
+            if (!text_) text_ = &(node.*leaf_)();
+            return *text_;
+        }
+
+    private:
+        Leaf leaf_;
+        const std::string* text_ = nullptr;
+    };
+
     Walk start();
     Walk findTopSelector();
     void makeTopSelector(DeviceRef& cur);
@@ -33,13 +56,18 @@ private:
     Walk chooseAmongChildren(DeviceRef& cur, const CollectionRef& children);
     Walk linkToLeaf();
     SpecRef findOrMakeLink();
+    // A question without a chapter is one of the walk's chapter.
+    void putInChapter();
 
     void walkUp();
+    // The owner of a selector as a device: on the walk up, one of the devices
+    // the walk came down through, so that its type need not be asked again.
+    DeviceRef ownerOf(const IDevice& selector) const;
     void answerBoreQuestionOfPdmsClass();
     void findBoreSpecOfSecondConnector();
     void recordBoreQuestion();
     void answerPlainQuestion(bool& shopPending, bool rangeAnswer);
-    void findStoredRangePair(std::vector<std::string>& parts);
+    void findStoredRangePair();
     void setAnswerForm(bool rangeAnswer);
     void describeFromChild();
 
@@ -54,11 +82,16 @@ private:
 
     diagnostics::Procedure p_{cls::AddToPipeClass, "Sub SetQuestion"};
     diagnostics::Trace t_{cls::AddToPipeClass, "SetQuestion"};
+    LeafOnce nextQuestion_{&INameTable::NextQuestion};
+    LeafOnce selectorType_{&INameTable::SelectorType};
     std::shared_ptr<IPipeSpecHelper> helper_;
     bool isPDMS_ = false;
     std::string chapter_;
     std::string answer_;
     DeviceRef root_;
+    // The pipe class, the selector root and every selector the walk stepped
+    // to on its way down; the walk up meets them again as owners.
+    std::vector<DeviceRef> passed_;
     DeviceRef last_;
     std::string q_;
     SpecRef boxSpec_;

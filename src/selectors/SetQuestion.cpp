@@ -8,16 +8,17 @@
 #include "selectors/ChooseSelector.h"
 #include "selectors/QuestionWalk.h"
 
+#include <utility>
+
 namespace pipespec::addtopipeclass {
 
 namespace {
 constexpr std::string_view kPipeBoreType = "2";
 
-// The attribute name of a question: everything behind its first point.
-std::string withoutChapter(const std::string& question)
+// Leaves the attribute name of a question: everything behind its first point.
+void dropChapter(std::string& question)
 {
-    const int dot = text::InStr(question, ".");
-    return dot == 0 ? question : text::Mid(question, dot + 1);
+    if (const auto dot = question.find('.'); dot != std::string::npos) question.erase(0, dot + 1);
 }
 }  // namespace
 
@@ -173,10 +174,12 @@ void QuestionWalk::makeTopSelector(DeviceRef& cur)
 QuestionWalk::Walk QuestionWalk::walkDown()
 {
     const auto& sele = diagnostics::names().Sele();
+    passed_ = {pipeClass_, root_};
     DeviceRef cur = topSelector_;
     for (;;) {
+        passed_.push_back(cur);
         SpecRef question;
-        p_.step([&] { question = must(cur).Spec(sele.NextQuestion()); });
+        p_.step([&] { question = must(cur).Spec(nextQuestion_.in(sele)); });
         if (!question) return Walk::Continue;
         p_.step([&] { q_ = question->DisplayValue(); });
         last_ = cur;
@@ -186,7 +189,7 @@ QuestionWalk::Walk QuestionWalk::walkDown()
 
         if (children->Count() < 2) {
             // A single child is followed without asking the component anything.
-            q_ = withoutChapter(q_);
+            dropChapter(q_);
             cur = asDevice(children->Item(1));
         } else if (chooseAmongChildren(cur, children) == Walk::Leave) {
             return Walk::Leave;
@@ -195,7 +198,7 @@ QuestionWalk::Walk QuestionWalk::walkDown()
         if (q_.empty()) continue;
         // Names of the form ATTR:ANSWER begin with the question and stand.
         p_.step([&] {
-            if (text::Left(cur->Name(), static_cast<int>(q_.size())) != q_) {
+            if (!cur->Name().starts_with(q_)) {
                 cur->SetName(q_);
                 cur->SetDescription(q_);
             }
@@ -209,10 +212,10 @@ QuestionWalk::Walk QuestionWalk::chooseAmongChildren(DeviceRef& cur, const Colle
     p_.step([&] { qSpec = component_->Spec(q_); });
     if (!qSpec)
         p_.step([&] {
-            if (text::InStr(q_, ".") == 0) q_ = chapter_ + "." + q_;
+            putInChapter();
             CreateQuestionSpec(splitAtPoints(q_), component_, qSpec, boxSpec_);
         });
-    q_ = withoutChapter(q_);
+    dropChapter(q_);
 
     if (!qSpec) {
         // The component cannot answer: the engineer chooses, and a cancel costs the component.
@@ -227,7 +230,7 @@ QuestionWalk::Walk QuestionWalk::chooseAmongChildren(DeviceRef& cur, const Colle
     DeviceRef child;
     p_.step([&] { child = asDevice(children->Item(q_ + ":" + qSpec->DisplayValue())); });
     if (child) {
-        cur = child;
+        cur = std::move(child);
         return Walk::Continue;
     }
     std::string chosen;
@@ -242,6 +245,11 @@ QuestionWalk::Walk QuestionWalk::chooseAmongChildren(DeviceRef& cur, const Colle
         if (!qSpec->IsLocked(0) && chosen != qSpec->Value()) qSpec->SetValue(chosen);
     });
     return Walk::Continue;
+}
+
+void QuestionWalk::putInChapter()
+{
+    if (q_.find('.') == std::string::npos) q_ = chapter_ + "." + q_;
 }
 
 SpecRef QuestionWalk::findOrMakeLink()
