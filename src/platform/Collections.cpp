@@ -66,15 +66,12 @@ ObjectRef FreeCollection::Item(std::string_view name) const
 
 int FreeCollection::IndexOf(const ObjectRef& object) const
 {
+    for (; indexed_ < items_.size(); ++indexed_) firstPosition_.emplace(items_[indexed_].get(), static_cast<int>(indexed_) + 1);
     const auto found = firstPosition_.find(object.get());
     return found == firstPosition_.end() ? -1 : found->second;
 }
 
-void FreeCollection::Add(const ObjectRef& object)
-{
-    items_.push_back(object);
-    firstPosition_.emplace(object.get(), Count());
-}
+void FreeCollection::Add(const ObjectRef& object) { items_.push_back(object); }
 
 ObjectRef FreeCollection::Detach(const ObjectRef& object)
 {
@@ -82,7 +79,7 @@ ObjectRef FreeCollection::Detach(const ObjectRef& object)
     if (at < 0) return nullptr;
     items_.erase(items_.begin() + at - 1);
     firstPosition_.clear();
-    for (int i = Count(); i >= 1; --i) firstPosition_[items_[static_cast<std::size_t>(i - 1)].get()] = i;
+    indexed_ = 0;
     return object;
 }
 

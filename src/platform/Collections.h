@@ -29,7 +29,10 @@ public:
 
 private:
     std::vector<ObjectRef> items_;
-    std::unordered_map<const IBaseObject*, int> firstPosition_;
+    // Made on the first IndexOf and extended by later ones: most collections
+    // are filled and read in order, and never searched.
+    mutable std::unordered_map<const IBaseObject*, int> firstPosition_;
+    mutable std::size_t indexed_ = 0;
 };
 
 // A live view of the members of one owner. The own kinds show the owner's own

@@ -304,6 +304,12 @@ std::shared_ptr<Specification> SpecHolder::effectiveSpec(std::string_view name) 
 std::shared_ptr<Specification> SpecHolder::childSpec(std::string_view name) const
 {
     if (auto own = ownSpecs().find(name)) return own;
+    const auto now = changeCount();
+    if (const auto& members = rare().specs) {
+        const auto known = members->proxies.find(name);
+        if (known != members->proxies.end() && known->second.checkedAt == now && known->second.object->SystemTemporary())
+            return known->second.object;
+    }
     const auto origin = [&]() -> std::shared_ptr<Specification> {
         for (const auto& source : inheritanceSources())
             if (auto found = source->effectiveSpec(name)) return found;
@@ -311,9 +317,10 @@ std::shared_ptr<Specification> SpecHolder::childSpec(std::string_view name) cons
     }();
     if (!origin) return nullptr;
     auto& proxy = specMembers().proxies[std::string(name)];
-    if (!proxy || proxy->origin() != origin || !proxy->SystemTemporary())
-        proxy = std::make_shared<Specification>(origin, std::const_pointer_cast<StoredObject>(shared_from_this()));
-    return proxy;
+    if (!proxy.object || proxy.object->origin() != origin || !proxy.object->SystemTemporary())
+        proxy.object = std::make_shared<Specification>(origin, std::const_pointer_cast<StoredObject>(shared_from_this()));
+    proxy.checkedAt = now;
+    return proxy.object;
 }
 
 SpecRef SpecHolder::Spec(std::string_view name) const

@@ -32,7 +32,16 @@ struct SpecMembers {
     NamedChildren<Specification> specs;
     // A proxy stays here while an own member of its name hides it, so that
     // the same object comes back when that member goes (undo of MakePersistent).
-    std::unordered_map<std::string, std::shared_ptr<Specification>> proxies;
+    // What it stands for is found again only after the database changed.
+    struct Proxy {
+        std::shared_ptr<Specification> object;
+        std::uint64_t checkedAt = 0;  // the database's change count then
+    };
+    struct NameHash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view name) const noexcept { return std::hash<std::string_view>{}(name); }
+    };
+    std::unordered_map<std::string, Proxy, NameHash, std::equal_to<>> proxies;
 };
 
 // What an attribute rarely has. Changes recorded for undo refer to its
