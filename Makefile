@@ -24,9 +24,10 @@ test: build
 test-asan:
 	$(MAKE) test PRESET=asan
 
+# BENCH_ARGS goes to the benchmark program, e.g. BENCH_ARGS=--benchmark_filter=BM_QueryRefresh50k
 bench:
 	$(MAKE) build PRESET=release
-	build/release/bench/pipespec_bench
+	build/release/bench/pipespec_bench $(BENCH_ARGS)
 
 clean:
 	rm -rf build

@@ -3,9 +3,12 @@
 // What the benchmark programs build their databases with.
 
 #include "platform/Database.h"
+#include "platform/Persistence.h"
 
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <unistd.h>
 
 namespace pipespec::bench {
 
@@ -63,6 +66,47 @@ inline std::string numbered(const char* prefix, long number)
     std::string name(prefix);
     name += std::to_string(number);
     return name;
+}
+
+// The large database that the file and memory figures are taken on: a
+// project PLANT of devices under one root, each with one chapter of
+// kAttributesPerDevice attributes; a million attributes at kMillionDevices.
+inline constexpr int kAttributesPerDevice = 100;
+inline constexpr int kMillionDevices = 10'000;
+inline constexpr int kMillionAttributes = kMillionDevices * kAttributesPerDevice;
+
+inline std::shared_ptr<platform::Database> attributeProject(int devices)
+{
+    auto database = platform::Database::create();
+    const auto root = database->addProject("PLANT")->addRoot("@20");
+    for (int d = 0; d < devices; ++d) {
+        const auto chapter = root->createChild(numbered("D", d))->createSpec("GD");
+        for (int a = 0; a < kAttributesPerDevice; ++a) chapter->createSpec(numbered("A", a))->SetValue(std::to_string(a));
+    }
+    return database;
+}
+
+// The counter the memory figures are reported in.
+inline constexpr const char* kBytesPerAttribute = "bytesPerAttribute";
+
+// A path in the temporary folder that no other run of the program uses.
+inline std::filesystem::path scratch(const std::string& name)
+{
+    return std::filesystem::temp_directory_path() / numbered("pipespec-bench-", ::getpid()).append("-").append(name);
+}
+
+// A file of a million attributes, made once for the whole run and removed at its end.
+inline const std::filesystem::path& millionFile()
+{
+    struct Scratch {
+        std::filesystem::path path = scratch("million.pspec");
+        Scratch() { platform::ProjectFile::create(path, attributeProject(kMillionDevices)); }
+        Scratch(const Scratch&) = delete;
+        Scratch& operator=(const Scratch&) = delete;
+        ~Scratch() { std::filesystem::remove(path); }
+    };
+    static const Scratch file;
+    return file.path;
 }
 
 }  // namespace pipespec::bench

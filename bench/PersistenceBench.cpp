@@ -3,6 +3,7 @@
 // SQLite bulk insert of the same rows, so that the cost of our layer over
 // SQLite can be read off as a ratio.
 
+#include "BenchSupport.h"
 #include "platform/Persistence.h"
 #include "platform/PersistenceFormat.h"
 #include "platform/SqliteFile.h"
@@ -12,54 +13,16 @@
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace pipespec {
 namespace {
 
-using platform::Database;
+using bench::attributeProject;
+using bench::kAttributesPerDevice;
+using bench::millionFile;
+using bench::scratch;
 using platform::ProjectFile;
-
-constexpr int kAttributesPerDevice = 100;
-
-std::filesystem::path scratch(const std::string& name)
-{
-    return std::filesystem::temp_directory_path() / ("pipespec-bench-" + std::to_string(::getpid()) + "-" + name);
-}
-
-// "D17": built by appending, which keeps GCC 12's -Wrestrict false alarm on
-// "literal" + std::string at -O3 quiet.
-std::string numbered(char prefix, int number)
-{
-    std::string name(1, prefix);
-    name += std::to_string(number);
-    return name;
-}
-
-// `devices` devices under one root, each with one chapter of 100 attributes.
-std::shared_ptr<Database> project(int devices)
-{
-    auto database = Database::create();
-    const auto root = database->addProject("PLANT")->addRoot("@20");
-    for (int d = 0; d < devices; ++d) {
-        const auto chapter = root->createChild(numbered('D', d))->createSpec("GD");
-        for (int a = 0; a < kAttributesPerDevice; ++a) chapter->createSpec(numbered('A', a))->SetValue(std::to_string(a));
-    }
-    return database;
-}
-
-// A file of a million attributes, made once for the whole run and removed at its end.
-const std::filesystem::path& millionFile()
-{
-    struct Scratch {
-        std::filesystem::path path = scratch("million.pspec");
-        Scratch() { ProjectFile::create(path, project(10'000)); }
-        ~Scratch() { std::filesystem::remove(path); }
-    };
-    static const Scratch file;
-    return file.path;
-}
 
 void BM_PersistOpenMillionAttributes(benchmark::State& state)
 {
@@ -71,9 +34,9 @@ void BM_PersistOpenMillionAttributes(benchmark::State& state)
         { const auto closing = std::move(file); }
         state.ResumeTiming();
     }
-    state.SetItemsProcessed(state.iterations() * 10'000 * kAttributesPerDevice);
+    state.SetItemsProcessed(state.iterations() * bench::kMillionAttributes);
 }
-BENCHMARK(BM_PersistOpenMillionAttributes)->Unit(benchmark::kSecond)->Iterations(2);
+BENCHMARK(BM_PersistOpenMillionAttributes)->Unit(benchmark::kSecond)->Iterations(1);
 
 void BM_PersistSaveTenThousandChanges(benchmark::State& state)
 {
@@ -88,7 +51,7 @@ void BM_PersistSaveTenThousandChanges(benchmark::State& state)
         state.ResumeTiming();
         benchmark::DoNotOptimize(file.save());
     }
-    state.SetItemsProcessed(state.iterations() * 10'000);
+    state.SetItemsProcessed(state.iterations() * bench::kMillionDevices);
 }
 BENCHMARK(BM_PersistSaveTenThousandChanges)->Unit(benchmark::kMillisecond)->Iterations(5);
 
@@ -106,7 +69,7 @@ void collect(const platform::StoredObject& object, std::int64_t owner, std::size
 {
     const auto* spec = dynamic_cast<const platform::Specification*>(&object);
     rows.push_back({static_cast<std::int64_t>(object.uniqueNumber()), static_cast<std::int64_t>(platform::format::kindOf(object)),
-                    owner, static_cast<std::int64_t>(position), object.Name(), spec ? spec->plainValue() : std::string()});
+                    owner, static_cast<std::int64_t>(position), object.Name(), spec ? std::string(spec->plainValue()) : std::string()});
     platform::format::forEachMember(object, [&](const auto& member, std::size_t at) {
         collect(*member, static_cast<std::int64_t>(object.uniqueNumber()), at, rows);
     });
@@ -114,7 +77,7 @@ void collect(const platform::StoredObject& object, std::int64_t owner, std::size
 
 void BM_PersistSaveWholeProject(benchmark::State& state)
 {
-    const auto database = project(static_cast<int>(state.range(0)));
+    const auto database = attributeProject(static_cast<int>(state.range(0)));
     const auto path = scratch("whole.pspec");
     for (auto _ : state) {
         std::filesystem::remove(path);
@@ -127,7 +90,7 @@ BENCHMARK(BM_PersistSaveWholeProject)->Arg(1'000)->Unit(benchmark::kMillisecond)
 
 void BM_PersistRawBulkInsert(benchmark::State& state)
 {
-    const auto database = project(static_cast<int>(state.range(0)));
+    const auto database = attributeProject(static_cast<int>(state.range(0)));
     std::vector<Row> rows;
     for (const auto& root : database->projects().front()->roots().items()) collect(*root, 0, 0, rows);
     const auto path = scratch("raw.db");
@@ -135,7 +98,9 @@ void BM_PersistRawBulkInsert(benchmark::State& state)
     for (auto _ : state) {
         std::filesystem::remove(path);
         const auto file = Connection::open(path, Connection::Mode::Create);
-        file.exec("PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL");
+        // The file as ours is made: its page size, a rollback journal, full syncs.
+        file.exec("PRAGMA page_size = " + std::to_string(platform::format::kPageSize) +
+                  "; PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL");
         file.exec(platform::format::kSchema);
         platform::sqlite::Transaction transaction(file);
         auto insert = file.prepare("INSERT INTO objects(id, kind, project, owner, position, name, value) VALUES(?1, ?2, 'PLANT', ?3, ?4, ?5, ?6)");

@@ -1,11 +1,14 @@
-// Refresh of a query over 50,000 elements with one filter and one sort: the
-// cost of reopening a long component list.
+// Refresh of a query over 50,000 elements with one filter and one sort, and
+// the first screen of cells the grid then shows: the cost of reopening a long
+// component list until the user sees it.
 
 #include "platform/Database.h"
 #include "platform/ObjectFactory.h"
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <string>
 
 namespace {
@@ -13,6 +16,7 @@ namespace {
 using namespace pipespec;
 
 constexpr int kRows = 50'000;
+constexpr int kScreenRows = 40;
 
 // Elements with function codes spread over 10000..99999, in no order.
 struct Elements {
@@ -29,6 +33,16 @@ struct Elements {
         }
     }
 };
+
+// Every cell of the rows one screen shows, read as the grid reads them.
+void readScreen(const IQuery& query)
+{
+    const auto columns = query.Top()->Columns();
+    const int rows = std::min(kScreenRows, query.RowCount());
+    for (int row = 1; row <= rows; ++row)
+        for (int column = 1; column <= columns->Count(); ++column)
+            benchmark::DoNotOptimize(query.CellText(row, columns->Item(column)));
+}
 
 // Arg 0 sorts by the numeric function code, arg 1 by the name, as text.
 void BM_QueryRefresh50k(benchmark::State& state)
@@ -54,8 +68,10 @@ void BM_QueryRefresh50k(benchmark::State& state)
 
     for (auto _ : state) {
         query->Refresh();
-        benchmark::DoNotOptimize(query->RowCount());
+        readScreen(*query);
     }
+    if (query->RowCount() < kScreenRows || std::atoi(query->CellText(1, code).c_str()) < 55000)
+        state.SkipWithError("the refresh did not keep what the filter asks for");
     state.SetItemsProcessed(state.iterations() * kRows);
     state.counters["shown"] = query->RowCount();
 }
