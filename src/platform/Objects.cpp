@@ -242,6 +242,30 @@ void StoredObject::adopt(const std::shared_ptr<StoredObject>& member)
         });
 }
 
+// ---- InheritedProxies --------------------------------------------------
+
+template <class T>
+std::shared_ptr<T> InheritedProxies<T>::unchanged(std::string_view name) const
+{
+    const auto known = proxies_.find(name);
+    if (known == proxies_.end() || known->second.checkedAt != changeCount() || !known->second.object->SystemTemporary())
+        return nullptr;
+    return known->second.object;
+}
+
+template <class T>
+std::shared_ptr<T> InheritedProxies<T>::standingFor(std::string_view name, const std::shared_ptr<T>& origin,
+                                                    const std::shared_ptr<StoredObject>& owner)
+{
+    auto known = proxies_.find(name);
+    if (known == proxies_.end()) known = proxies_.emplace(std::string(name), Proxy{}).first;
+    auto& proxy = known->second;
+    if (!proxy.object || proxy.object->origin() != origin || !proxy.object->SystemTemporary())
+        proxy.object = std::make_shared<T>(origin, owner);
+    proxy.checkedAt = changeCount();
+    return proxy.object;
+}
+
 // ---- SpecHolder --------------------------------------------------------
 
 SpecHolder::SpecHolder(const SpecHolder& other) : IBaseObject(other), StoredObject(other)
@@ -304,23 +328,15 @@ std::shared_ptr<Specification> SpecHolder::effectiveSpec(std::string_view name) 
 std::shared_ptr<Specification> SpecHolder::childSpec(std::string_view name) const
 {
     if (auto own = ownSpecs().find(name)) return own;
-    const auto now = changeCount();
-    if (const auto& members = rare().specs) {
-        const auto known = members->proxies.find(name);
-        if (known != members->proxies.end() && known->second.checkedAt == now && known->second.object->SystemTemporary())
-            return known->second.object;
-    }
+    if (const auto& members = rare().specs)
+        if (auto known = members->proxies.unchanged(name)) return known;
     const auto origin = [&]() -> std::shared_ptr<Specification> {
         for (const auto& source : inheritanceSources())
             if (auto found = source->effectiveSpec(name)) return found;
         return nullptr;
     }();
     if (!origin) return nullptr;
-    auto& proxy = specMembers().proxies[std::string(name)];
-    if (!proxy.object || proxy.object->origin() != origin || !proxy.object->SystemTemporary())
-        proxy.object = std::make_shared<Specification>(origin, std::const_pointer_cast<StoredObject>(shared_from_this()));
-    proxy.checkedAt = now;
-    return proxy.object;
+    return specMembers().proxies.standingFor(name, origin, std::const_pointer_cast<StoredObject>(shared_from_this()));
 }
 
 SpecRef SpecHolder::Spec(std::string_view name) const
@@ -524,12 +540,10 @@ std::shared_ptr<Device> Device::effectiveChild(std::string_view name) const
 std::shared_ptr<Device> Device::childDevice(std::string_view name) const
 {
     if (auto own = children_.find(name)) return own;
+    if (auto known = childProxies_.unchanged(name)) return known;
     const auto origin = cdevice_ ? cdevice_->effectiveChild(name) : nullptr;
     if (!origin) return nullptr;
-    auto& proxy = childProxies_[std::string(name)];
-    if (!proxy || proxy->origin() != origin || !proxy->SystemTemporary())
-        proxy = std::make_shared<Device>(origin, std::const_pointer_cast<StoredObject>(shared_from_this()));
-    return proxy;
+    return childProxies_.standingFor(name, origin, std::const_pointer_cast<StoredObject>(shared_from_this()));
 }
 
 std::vector<ObjectRef> Device::allChildren() const

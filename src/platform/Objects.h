@@ -21,27 +21,44 @@
 namespace pipespec::platform {
 
 class StoreProject;
+class StoredObject;
 class StoreWorkset;
 class Device;
 class Specification;
 class StandardTable;
 
-// The attributes or chapters of a device or chapter. Made with the first
-// member or proxy: most attributes hold none.
-struct SpecMembers {
-    NamedChildren<Specification> specs;
-    // A proxy stays here while an own member of its name hides it, so that
-    // the same object comes back when that member goes (undo of MakePersistent).
-    // What it stands for is found again only after the database changed.
+// The temporary proxies an owner hands out for what it inherits, one per
+// name, kept so that the same object comes back: also while an own member of
+// that name hides it, for when that member goes (undo of MakePersistent).
+// What a proxy stands for is looked up again only after a database changed.
+template <class T>
+class InheritedProxies {
+public:
+    // The proxy of `name`, if no database changed since it was handed out.
+    std::shared_ptr<T> unchanged(std::string_view name) const;
+    // The proxy of `name` standing for `origin` under `owner`: the kept one
+    // if it still does, else a new one.
+    std::shared_ptr<T> standingFor(std::string_view name, const std::shared_ptr<T>& origin,
+                                   const std::shared_ptr<StoredObject>& owner);
+    void clear() { proxies_.clear(); }
+
+private:
     struct Proxy {
-        std::shared_ptr<Specification> object;
-        std::uint64_t checkedAt = 0;  // the database's change count then
+        std::shared_ptr<T> object;
+        std::uint64_t checkedAt = 0;  // the change count of the databases then
     };
     struct NameHash {
         using is_transparent = void;
         std::size_t operator()(std::string_view name) const noexcept { return std::hash<std::string_view>{}(name); }
     };
-    std::unordered_map<std::string, Proxy, NameHash, std::equal_to<>> proxies;
+    std::unordered_map<std::string, Proxy, NameHash, std::equal_to<>> proxies_;
+};
+
+// The attributes or chapters of a device or chapter, and the proxies of what
+// it inherits. Made with the first member or proxy: most attributes hold none.
+struct SpecMembers {
+    NamedChildren<Specification> specs;
+    InheritedProxies<Specification> proxies;
 };
 
 // What an attribute rarely has. Changes recorded for undo refer to its
@@ -274,8 +291,7 @@ private:
     void copyStoredFields(const Device& from);
 
     NamedChildren<Device> children_;
-    // Kept while hidden by an own child of the same name, as the attribute proxies are.
-    mutable std::unordered_map<std::string, std::shared_ptr<Device>> childProxies_;
+    mutable InheritedProxies<Device> childProxies_;
     mutable std::unordered_map<std::string, long> nameCursors_;
     std::shared_ptr<Device> cdevice_;
     int createOption_ = 0;
