@@ -61,6 +61,8 @@ public:
     void addLanguage(const std::string& name);
     std::shared_ptr<Device> addRoot(const std::string& name);
     std::shared_ptr<Device> root(std::string_view name) const { return roots_.find(name); }
+    // Keeps the roots' index right when a root is renamed; before it takes the name.
+    void renameRoot(std::string_view from, std::string_view to) { roots_.rename(from, to); }
     const NamedChildren<Device>& roots() const { return roots_; }
     // Top-level standard tables hang under one unnamed table of the project.
     const std::shared_ptr<StandardTable>& tableRoot() const { return tableRoot_; }

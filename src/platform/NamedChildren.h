@@ -32,12 +32,14 @@ public:
     }
     bool contains(std::string_view name) const { return positionOf(name) < items_.size(); }
 
-    // Position of a member, or items().size() if it is not one.
+    // Position of a member, or items().size() if it is not one. Found by its
+    // name where that is indexed, else (also for a member renamed behind the
+    // list's back) by a scan.
     std::size_t position(const T& member) const
     {
         if (!slots_.empty()) {
             const auto at = positionOf(member.nameView());
-            return at < items_.size() && items_[at].get() == &member ? at : items_.size();
+            if (at < items_.size() && items_[at].get() == &member) return at;
         }
         for (std::size_t i = 0; i < items_.size(); ++i)
             if (items_[i].get() == &member) return i;

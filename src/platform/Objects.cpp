@@ -91,11 +91,15 @@ void StoredObject::SetName(std::string_view name)
 {
     if (name == name_) return;
     const auto parent = owner();
-    if (parent && parent->memberNameTaken(*this, name))
+    // A root is held by its project, by name.
+    const auto project = parent ? nullptr : storeProject();
+    const auto rootOf = project && project->root(name_).get() == this ? project : nullptr;
+    if ((parent && parent->memberNameTaken(*this, name)) || (rootOf && rootOf->root(name)))
         throw PlatformError(err::NameInUse, "cannot rename " + SystemFullName() + ": the name '" + std::string(name) + "' is in use");
     auto me = shared_from_this();
-    const auto rename = [me, parent](const std::string& from, const std::string& to) {
+    const auto rename = [me, parent, rootOf](const std::string& from, const std::string& to) {
         if (parent) parent->renameMember(*me, from, to);
+        if (rootOf) rootOf->renameRoot(from, to);
         me->name_ = CompactText(to);
     };
     std::string from = name_.str();

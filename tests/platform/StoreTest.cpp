@@ -193,6 +193,25 @@ TEST(Store, PathsStartAtFixedRootsAndClimbToTheBaseProject)
     EXPECT_EQ(plant.ObjectByFullName(nullptr, port->SystemFullName()), port);
 }
 
+TEST(Store, ARenamedRootIsFoundByItsNewNameAndUndoGivesTheOldBack)
+{
+    const World world;
+    // Enough roots that the project finds them through its index.
+    for (int i = 0; i < 12; ++i) world.root(world.plant(), "@" + std::to_string(60 + i));
+    const auto root = world.root(world.plant(), "@65");
+    const auto undo = world.workset()->NewUndoState();
+    world.workset()->SetCurrentUndoState(undo);
+
+    root->SetName("@99");
+    EXPECT_EQ(world.plant()->root("@99"), root);
+    EXPECT_EQ(world.plant()->root("@65"), nullptr);
+    EXPECT_EQ(errorNumber([&] { root->SetName("@61"); }), err::NameInUse);
+
+    undo->Undo();
+    EXPECT_EQ(world.plant()->root("@65"), root);
+    EXPECT_EQ(world.plant()->root("@99"), nullptr);
+}
+
 TEST(StandardTables, RowsSubTablesPathsAndShownValues)
 {
     const World world;
