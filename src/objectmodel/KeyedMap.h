@@ -1,6 +1,7 @@
 #pragma once
 
 #include "objectmodel/Errors.h"
+#include "objectmodel/TextHash.h"
 
 #include <list>
 #include <string>
@@ -87,13 +88,9 @@ public:
     }
 
 private:
-    struct Hash {
-        using is_transparent = void;
-        size_t operator()(std::string_view s) const noexcept { return std::hash<std::string_view>{}(s); }
-    };
     // The index keys view the strings held by the list nodes, which never move.
     std::list<Entry> entries_;
-    std::unordered_map<std::string_view, typename std::list<Entry>::iterator, Hash, std::equal_to<>> index_;
+    std::unordered_map<std::string_view, typename std::list<Entry>::iterator, TextHash, std::equal_to<>> index_;
 };
 
 }  // namespace pipespec

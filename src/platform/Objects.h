@@ -6,6 +6,7 @@
 // MakePersistent turns into a stored one in place.
 
 #include "objectmodel/ObjectModel.h"
+#include "objectmodel/TextHash.h"
 #include "platform/CompactText.h"
 #include "platform/NamedChildren.h"
 
@@ -47,11 +48,7 @@ private:
         std::shared_ptr<T> object;
         std::uint64_t checkedAt = 0;  // the change count of the databases then
     };
-    struct NameHash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view name) const noexcept { return std::hash<std::string_view>{}(name); }
-    };
-    std::unordered_map<std::string, Proxy, NameHash, std::equal_to<>> proxies_;
+    TextMap<Proxy> proxies_;
 };
 
 // The attributes or chapters of a device or chapter, and the proxies of what

@@ -6,6 +6,7 @@
 // when a grid asks for them. What a cell shows is told in QueryCells.h.
 
 #include "objectmodel/Query.h"
+#include "objectmodel/TextHash.h"
 #include "platform/QueryDefinition.h"
 
 #include <memory>
@@ -107,12 +108,8 @@ private:
     int place(ColumnPtr column, int position);
     ColumnPtr takeOut(std::size_t at);
 
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view s) const noexcept { return std::hash<std::string_view>{}(s); }
-    };
     std::vector<ColumnPtr> items_;
-    std::unordered_map<std::string, ColumnPtr, Hash, std::equal_to<>> byKey_;
+    TextMap<ColumnPtr> byKey_;
 };
 
 class QueryFilter final : public IQueryFilter {
