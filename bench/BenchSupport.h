@@ -2,8 +2,8 @@
 
 // What the benchmark programs build their databases with.
 
-#include "platform/Database.h"
-#include "platform/Persistence.h"
+#include "platform/store/Database.h"
+#include "platform/persistence/Persistence.h"
 
 #include <filesystem>
 #include <memory>

@@ -12,8 +12,8 @@
 #include "BenchSupport.h"
 #include "diagnostics/HeadlessHost.h"
 #include "elements/AddToPipeClass.h"
-#include "platform/Database.h"
-#include "platform/NameTable.h"
+#include "platform/store/Database.h"
+#include "platform/JsonNameTable.h"
 
 #include <benchmark/benchmark.h>
 

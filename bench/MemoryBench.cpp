@@ -4,7 +4,7 @@
 // kBytesPerAttribute is the figure, devices and chapters included.
 
 #include "BenchSupport.h"
-#include "platform/Persistence.h"
+#include "platform/persistence/Persistence.h"
 
 #include <benchmark/benchmark.h>
 

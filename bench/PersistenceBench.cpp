@@ -4,9 +4,9 @@
 // SQLite can be read off as a ratio.
 
 #include "BenchSupport.h"
-#include "platform/Persistence.h"
-#include "platform/PersistenceFormat.h"
-#include "platform/SqliteFile.h"
+#include "platform/persistence/Persistence.h"
+#include "platform/persistence/PersistenceFormat.h"
+#include "platform/persistence/SqliteFile.h"
 
 #include <benchmark/benchmark.h>
 

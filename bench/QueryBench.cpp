@@ -2,8 +2,8 @@
 // the first screen of cells the grid then shows: the cost of reopening a long
 // component list until the user sees it.
 
-#include "platform/Database.h"
-#include "platform/ObjectFactory.h"
+#include "platform/store/Database.h"
+#include "platform/store/ObjectFactory.h"
 
 #include <benchmark/benchmark.h>
 

@@ -6,7 +6,7 @@
 
 #include "BenchSupport.h"
 #include "diagnostics/HeadlessHost.h"
-#include "platform/NameTable.h"
+#include "platform/JsonNameTable.h"
 #include "selectors/Selectors.h"
 
 #include <benchmark/benchmark.h>

@@ -2,7 +2,7 @@
 
 #include "cli/Chooser.h"
 #include "cli/Session.h"
-#include "diagnostics/Services.h"
+#include "diagnostics/ServiceRegistry.h"
 #include "elements/AddToPipeClass.h"
 #include "objectmodel/Text.h"
 #include "selectors/SciptCallLib.h"

@@ -8,8 +8,8 @@
 // it says that nothing was saved.
 
 #include "platform/JsonProject.h"
-#include "platform/NameTable.h"
-#include "platform/Persistence.h"
+#include "platform/JsonNameTable.h"
+#include "platform/persistence/Persistence.h"
 
 #include <cstddef>
 #include <filesystem>

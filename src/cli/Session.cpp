@@ -1,6 +1,6 @@
 #include "cli/Session.h"
 
-#include "diagnostics/Services.h"
+#include "diagnostics/ServiceRegistry.h"
 #include "elements/AddToPipeClass.h"
 
 #include <filesystem>

@@ -1,6 +1,6 @@
 #include "diagnostics/ErrorTail.h"
 
-#include "diagnostics/Services.h"
+#include "diagnostics/ServiceRegistry.h"
 
 #include <exception>
 #include <new>

@@ -1,6 +1,6 @@
 #include "diagnostics/HeadlessHost.h"
 
-#include "diagnostics/Services.h"
+#include "diagnostics/ServiceRegistry.h"
 #include "objectmodel/Errors.h"
 #include "objectmodel/Text.h"
 

@@ -5,7 +5,7 @@
 // caller can read it back. Not synchronised: use it from one thread.
 
 #include "diagnostics/Translate.h"
-#include "objectmodel/Services.h"
+#include "objectmodel/ServiceInterfaces.h"
 
 #include <deque>
 #include <map>

@@ -6,7 +6,7 @@
 // the error tail and leaves, so callers test results for emptiness.
 
 #include "objectmodel/ObjectModel.h"
-#include "objectmodel/Services.h"
+#include "objectmodel/ServiceInterfaces.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "elements/RangeControl.h"
 
-#include "diagnostics/Services.h"
+#include "diagnostics/ServiceRegistry.h"
 #include "objectmodel/Text.h"
 
 #include <optional>

@@ -4,7 +4,7 @@
 // owns it. Two grids implement IQGrid: the headless one (tests, command line)
 // and the Qt grid widget.
 
-#include "objectmodel/Query.h"
+#include "objectmodel/QueryInterfaces.h"
 
 #include <memory>
 #include <string>

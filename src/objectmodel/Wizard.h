@@ -5,7 +5,7 @@
 // what solving changes in the database is the wizard's own business.
 
 #include "objectmodel/ObjectModel.h"
-#include "objectmodel/Services.h"
+#include "objectmodel/ServiceInterfaces.h"
 
 #include <memory>
 

@@ -10,8 +10,8 @@
 // A file that is not of this format, or that names what is not there, is
 // error Configuration naming the file and the place; nothing of it is kept.
 
-#include "platform/Database.h"
-#include "platform/NameTable.h"
+#include "platform/store/Database.h"
+#include "platform/JsonNameTable.h"
 
 #include <nlohmann/json_fwd.hpp>
 

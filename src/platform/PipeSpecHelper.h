@@ -4,7 +4,7 @@
 // generic types of function codes, and components of a pipe class by
 // function code and nominal diameter.
 
-#include "objectmodel/Services.h"
+#include "objectmodel/ServiceInterfaces.h"
 
 #include <memory>
 #include <string>

@@ -2,7 +2,7 @@
 
 #include "diagnostics/ErrorTail.h"
 #include "diagnostics/Messages.h"
-#include "diagnostics/Services.h"
+#include "diagnostics/ServiceRegistry.h"
 #include "objectmodel/Text.h"
 #include "selectors/LayoutHelper.h"
 

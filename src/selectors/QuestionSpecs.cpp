@@ -2,7 +2,7 @@
 // component's attribute that answers it, made where missing, marked as used
 // in the pipe spec and set up for a single answer or a range.
 
-#include "diagnostics/Services.h"
+#include "diagnostics/ServiceRegistry.h"
 #include "objectmodel/Text.h"
 #include "selectors/Chapters.h"
 #include "selectors/ColumnKeys.h"

@@ -8,7 +8,7 @@
 
 #include "diagnostics/ErrorTail.h"
 #include "diagnostics/Messages.h"
-#include "objectmodel/NameTable.h"
+#include "objectmodel/NameTableInterface.h"
 #include "selectors/Selectors.h"
 
 #include <string>

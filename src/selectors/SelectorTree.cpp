@@ -4,7 +4,7 @@
 
 #include "diagnostics/ErrorTail.h"
 #include "diagnostics/Messages.h"
-#include "diagnostics/Services.h"
+#include "diagnostics/ServiceRegistry.h"
 #include "objectmodel/Text.h"
 #include "selectors/Chapters.h"
 #include "selectors/ColumnKeys.h"

@@ -1,9 +1,9 @@
 // The walk down of a component through the selector tree of its pipe class,
 // and the link from the component to the leaf it reached.
 
-#include "diagnostics/Services.h"
+#include "diagnostics/ServiceRegistry.h"
 #include "objectmodel/Text.h"
-#include "platform/Collections.h"
+#include "platform/store/Collections.h"
 #include "platform/PipeSpecHelper.h"
 #include "selectors/ChooseSelector.h"
 #include "selectors/QuestionWalk.h"

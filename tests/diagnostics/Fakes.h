@@ -3,7 +3,7 @@
 // Stand-ins for the database, as far as traces and the name table reach.
 
 #include "objectmodel/Errors.h"
-#include "objectmodel/NameTable.h"
+#include "objectmodel/NameTableInterface.h"
 #include "objectmodel/ObjectModel.h"
 
 #include <memory>

@@ -1,7 +1,7 @@
 #include "diagnostics/ErrorTail.h"
 #include "diagnostics/HeadlessHost.h"
 #include "diagnostics/Messages.h"
-#include "diagnostics/Services.h"
+#include "diagnostics/ServiceRegistry.h"
 #include "Fakes.h"
 #include "objectmodel/ExpectError.h"
 

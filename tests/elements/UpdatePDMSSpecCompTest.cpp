@@ -4,7 +4,7 @@
 
 #include "elements/AddToPipeClass.h"
 #include "elements/RangeControl.h"
-#include "platform/Database.h"
+#include "platform/store/Database.h"
 #include "selectors/ChooseSelector.h"
 #include "support/SelectorTrees.h"
 #include "support/World.h"

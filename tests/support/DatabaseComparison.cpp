@@ -1,6 +1,6 @@
 #include "support/DatabaseComparison.h"
 
-#include "platform/QueryContainer.h"
+#include "platform/query/QueryContainer.h"
 
 #include <optional>
 #include <sstream>

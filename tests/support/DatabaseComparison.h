@@ -7,7 +7,7 @@
 // every query container. Links compare by full name. Option 64 is left out:
 // it is a cache that each session rebuilds.
 
-#include "platform/Database.h"
+#include "platform/store/Database.h"
 
 #include <string>
 #include <vector>

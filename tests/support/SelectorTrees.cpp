@@ -1,6 +1,6 @@
 #include "support/SelectorTrees.h"
 
-#include "platform/Query.h"
+#include "platform/query/Query.h"
 
 namespace pipespec::support {
 

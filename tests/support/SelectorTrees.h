@@ -4,7 +4,7 @@
 // root under a pipe class, selectors with answer and question, and a grid
 // whose columns stand for the questions of one tab.
 
-#include "platform/HeadlessGrid.h"
+#include "platform/query/HeadlessGrid.h"
 #include "support/World.h"
 
 #include <memory>

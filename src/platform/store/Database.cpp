@@ -1,0 +1,359 @@
+#include "platform/store/Database.h"
+
+#include "objectmodel/Text.h"
+#include "platform/store/Collections.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cctype>
+
+namespace pipespec::platform {
+
+namespace {
+constexpr int kCacheOption = 64;
+constexpr int kNormDimensionOption = 231;
+
+std::string upper(std::string_view text)
+{
+    std::string out(text);
+    std::transform(out.begin(), out.end(), out.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    return out;
+}
+
+// The segments of a "|" path, one at a time.
+class PathWalk {
+public:
+    explicit PathWalk(std::string_view path) : rest_(path) {}
+    bool next(std::string_view& segment)
+    {
+        if (done_) return false;
+        const auto bar = rest_.find('|');
+        segment = rest_.substr(0, bar);
+        if (bar == std::string_view::npos)
+            done_ = true;
+        else
+            rest_ = rest_.substr(bar + 1);
+        return true;
+    }
+
+private:
+    std::string_view rest_;
+    bool done_ = false;
+};
+
+// Devices take their children, own or inherited; tables their sub-tables, then their rows.
+ObjectRef walk(ObjectRef from, PathWalk& path)
+{
+    std::string_view segment;
+    while (from && path.next(segment)) {
+        if (const auto device = std::dynamic_pointer_cast<Device>(from)) {
+            from = device->childDevice(segment);
+        } else if (const auto table = std::dynamic_pointer_cast<StandardTable>(from)) {
+            ObjectRef next = table->child(segment);
+            from = next ? next : table->row(segment);
+        } else {
+            return nullptr;
+        }
+    }
+    return from;
+}
+
+// The current project's clipboard answers 0 ("can paste") for devices onto a
+// writable device.
+class Clipboard final : public IClipboard {
+public:
+    explicit Clipboard(CollectionRef objects) : objects_(std::move(objects)) {}
+    int CanPaste(const ObjectRef& target) const override
+    {
+        const auto device = std::dynamic_pointer_cast<Device>(target);
+        const auto project = device ? device->storeProject() : nullptr;
+        if (!project || !project->writable() || device->ReadOnly()) return 1;
+        for (int i = 1; i <= objects_->Count(); ++i)
+            if (asDevice(objects_->Item(i))) return 0;
+        return 1;
+    }
+
+private:
+    CollectionRef objects_;
+};
+
+// StdValues3D makes the norm dimensions of a project known to the workset.
+class LateBoundTools final : public ILateBoundTools {
+public:
+    explicit LateBoundTools(std::weak_ptr<StoreWorkset> workset) : workset_(std::move(workset)) {}
+    ObjectRef StdValues3D(const ProjectRef& project) override
+    {
+        const auto store = std::dynamic_pointer_cast<StoreProject>(project);
+        const auto workset = workset_.lock();
+        if (!store || !workset) return nullptr;
+        auto& globals = *workset->globals();
+        if (globals.getOption(kNormDimensionOption).IsEmpty())
+            for (auto p = store; p; p = std::dynamic_pointer_cast<StoreProject>(p->BaseProject()))
+                if (auto norm = p->option(kNormDimensionOption); !norm.IsEmpty()) {
+                    globals.setoption(kNormDimensionOption, norm);
+                    break;
+                }
+        return store->ObjectByPath("@3D", 1);
+    }
+
+private:
+    std::weak_ptr<StoreWorkset> workset_;
+};
+}  // namespace
+
+namespace {
+std::atomic<std::uint64_t> nextNumber{1};
+}
+
+std::uint64_t nextUniqueNumber() { return nextNumber++; }
+
+void reserveUniqueNumbers(std::uint64_t used)
+{
+    auto next = nextNumber.load();
+    while (next <= used && !nextNumber.compare_exchange_weak(next, used + 1)) {
+    }
+}
+
+namespace {
+std::atomic<std::uint64_t> changes{0};
+}
+
+std::uint64_t changeCount() { return changes; }
+void countChange() { ++changes; }
+
+// ---- UndoState ---------------------------------------------------------
+
+void UndoState::record(std::function<void()> redo, std::function<void()> undo)
+{
+    if (undone_) {
+        changes_.clear();
+        undone_ = false;
+    }
+    changes_.push_back({std::move(redo), std::move(undo)});
+}
+
+void UndoState::Undo()
+{
+    if (undone_) return;
+    replaying_ = true;
+    for (auto it = changes_.rbegin(); it != changes_.rend(); ++it) it->undo();
+    replaying_ = false;
+    undone_ = true;
+    countChange();
+}
+
+void UndoState::Redo()
+{
+    if (!undone_) return;
+    replaying_ = true;
+    for (auto& change : changes_) change.redo();
+    replaying_ = false;
+    undone_ = false;
+    countChange();
+}
+
+// ---- StoreProject ------------------------------------------------------
+
+StoreProject::StoreProject(std::string name, std::weak_ptr<Database> database)
+    : name_(std::move(name)), database_(std::move(database))
+{
+}
+
+void StoreProject::init() { tableRoot_ = StandardTable::create("", shared_from_this()); }
+
+ProjectRef StoreProject::SystemProject() const
+{
+    const auto db = database();
+    return db ? db->systemProject() : nullptr;
+}
+
+WorksetRef StoreProject::Workset() const
+{
+    const auto db = database();
+    return db ? db->workset() : nullptr;
+}
+
+CollectionRef StoreProject::StandardTables() const { return tableRoot_->Children(); }
+
+CollectionRef StoreProject::Languages() const
+{
+    auto list = std::make_shared<FreeCollection>();
+    for (const auto& language : languages_) list->Add(language);
+    return list;
+}
+
+void StoreProject::addLanguage(const std::string& name)
+{
+    languages_.push_back(std::make_shared<LanguageObject>(name, shared_from_this()));
+}
+
+std::shared_ptr<Device> StoreProject::addRoot(const std::string& name)
+{
+    if (roots_.contains(name)) throw PlatformError(err::NameInUse, name_ + " already has a root '" + name + "'");
+    auto root = Device::create(name, shared_from_this(), true);
+    roots_.append(root);
+    return root;
+}
+
+Variant StoreProject::option(int number) const
+{
+    const auto found = options_.find(number);
+    return found == options_.end() ? Variant() : found->second;
+}
+
+ObjectRef StoreProject::ownObjectByPath(std::string_view path) const
+{
+    PathWalk first(path);
+    std::string_view rootName;
+    if (!first.next(rootName)) return nullptr;
+    if (const auto root = roots_.find(rootName)) {
+        PathWalk rest = first;
+        if (auto found = walk(root, rest)) return found;
+    }
+    PathWalk fromTables(path);
+    return walk(tableRoot_, fromTables);
+}
+
+ObjectRef StoreProject::ObjectByPath(std::string_view path, int) const
+{
+    for (const StoreProject* project = this; project; project = project->base_.get())
+        if (auto found = project->ownObjectByPath(path)) return found;
+    return nullptr;
+}
+
+ObjectRef StoreProject::ObjectByFullName(const ProjectRef& project, std::string_view fullName) const
+{
+    const auto db = database();
+    const auto* within = dynamic_cast<const StoreProject*>(project.get());
+    return db ? db->objectByFullName(fullName, within ? within : this) : nullptr;
+}
+
+// ---- Globals, AppGlobals -----------------------------------------------
+
+Variant Globals::getOption(int number) const
+{
+    auto& value = options_[number];
+    // The cache of pipe-class entries is always a map, so callers can drop an entry.
+    if (number == kCacheOption && !value.map()) value = std::make_shared<VariantMap>();
+    return value;
+}
+
+Variant Globals::GetOptionFromProject(const ProjectRef& project, int number) const
+{
+    const auto store = std::dynamic_pointer_cast<StoreProject>(project);
+    return store ? store->option(number) : Variant();
+}
+
+bool AppGlobals::Exist(std::string_view name) const
+{
+    const auto key = upper(name);
+    return values_.count(key) != 0 || (key == "NAVIGATOR" && navigator_) || key == "TUBRIXDESIGNERRUN";
+}
+
+void AppGlobals::setValue(const std::string& name, Variant value) { values_[upper(name)] = std::move(value); }
+
+Variant AppGlobals::value(std::string_view name) const
+{
+    const auto found = values_.find(upper(name));
+    return found == values_.end() ? Variant() : found->second;
+}
+
+// ---- StoreWorkset ------------------------------------------------------
+
+StoreWorkset::StoreWorkset(std::weak_ptr<Database> database)
+    : database_(database),
+      globals_(std::make_shared<platform::Globals>(database)),
+      appGlobals_(std::make_shared<platform::AppGlobals>()),
+      clipboard_(std::make_shared<FreeCollection>()),
+      clipboardService_(std::make_shared<platform::Clipboard>(clipboard_))
+{
+}
+
+void StoreWorkset::SetCurrentProject(const ProjectRef& project)
+{
+    auto store = std::dynamic_pointer_cast<StoreProject>(project);
+    if (project && !store) throw PlatformError(err::InvalidCall, "the current project must be a project of this database");
+    current_ = std::move(store);
+    if (!tools_) tools_ = std::make_shared<platform::LateBoundTools>(weak_from_this());
+}
+
+CollectionRef StoreWorkset::NewCollection() const { return std::make_shared<FreeCollection>(); }
+
+void StoreWorkset::SetCurrentUndoState(const UndoStateRef& state)
+{
+    auto undo = std::dynamic_pointer_cast<UndoState>(state);
+    if (state && !undo) throw PlatformError(err::InvalidCall, "an undo state must come from this workset");
+    undo_ = std::move(undo);
+}
+
+double StoreWorkset::ParseNumber(std::string_view text) const
+{
+    auto normal = text::Trim(text);
+    std::replace(normal.begin(), normal.end(), ',', '.');
+    if (!text::IsNumeric(normal)) throw PlatformError(err::TypeMismatch, "'" + std::string(text) + "' is not a number");
+    return text::CDbl(normal);
+}
+
+// ---- Database ----------------------------------------------------------
+
+std::shared_ptr<Database> Database::create()
+{
+    auto db = std::shared_ptr<Database>(new Database());
+    db->workset_ = std::make_shared<StoreWorkset>(db);
+    return db;
+}
+
+Database::~Database()
+{
+    for (const auto& project : projects_)
+        for (const auto& root : project->roots().items()) root->releaseLinks();
+}
+
+std::shared_ptr<StoreProject> Database::addProject(const std::string& name, std::shared_ptr<StoreProject> base)
+{
+    if (project(name)) throw PlatformError(err::NameInUse, "the database already has a project '" + name + "'");
+    auto project = std::make_shared<StoreProject>(name, weak_from_this());
+    project->init();
+    project->setBase(std::move(base));
+    projects_.push_back(project);
+    if (!system_) system_ = project;
+    if (!workset_->CurrentProject()) workset_->SetCurrentProject(project);
+    return project;
+}
+
+std::shared_ptr<StoreProject> Database::project(std::string_view name) const
+{
+    for (const auto& project : projects_)
+        if (project->Name() == name) return project;
+    return nullptr;
+}
+
+void Database::trackChanges(bool on)
+{
+    tracking_ = on;
+    if (!on) changes_.clear();
+}
+
+void Database::noteChange(std::shared_ptr<StoredObject> object)
+{
+    if (tracking_) changes_.insert(std::move(object));
+}
+
+ObjectRef Database::objectByFullName(std::string_view fullName, const StoreProject* within) const
+{
+    const auto colon = fullName.find(':');
+    const auto hash = fullName.find('#');
+    if (colon != std::string_view::npos && (hash == std::string_view::npos || colon < hash)) {
+        within = project(fullName.substr(0, colon)).get();
+        fullName = fullName.substr(colon + 1);
+    }
+    if (!within) return nullptr;
+    const auto path = fullName.substr(0, fullName.find('#'));
+    auto object = within->ownObjectByPath(path);
+    if (!object || hash == std::string_view::npos) return object;
+    const auto nested = fullName.substr(fullName.find('#') + 1);
+    if (const auto table = std::dynamic_pointer_cast<StandardTable>(object)) return table->row(nested);
+    return object->Spec(nested);
+}
+
+}  // namespace pipespec::platform

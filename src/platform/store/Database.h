@@ -1,0 +1,201 @@
+#pragma once
+
+// Projects, the workset with its options, undo states, and the database that
+// owns them all.
+
+#include "objectmodel/ObjectModel.h"
+#include "platform/store/Objects.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace pipespec::platform {
+
+class Database;
+
+// The changes of one user action, in the order they were made. Undo reverts
+// them newest first; Redo makes them again. Each is taken once in turn, and a
+// change recorded after Undo starts the action afresh.
+class UndoState final : public IUndoState {
+public:
+    void record(std::function<void()> redo, std::function<void()> undo);
+    void Undo();
+    void Redo();
+    std::size_t size() const { return changes_.size(); }
+    bool replaying() const { return replaying_; }
+
+private:
+    struct Change {
+        std::function<void()> redo;
+        std::function<void()> undo;
+    };
+    std::vector<Change> changes_;
+    bool replaying_ = false;
+    bool undone_ = false;
+};
+
+class StoreProject final : public IProject, public std::enable_shared_from_this<StoreProject> {
+public:
+    StoreProject(std::string name, std::weak_ptr<Database> database);
+    // Made by Database::addProject, which finishes the setup.
+    void init();
+
+    std::string Name() const override { return name_; }
+    ProjectRef SystemProject() const override;
+    ProjectRef BaseProject() const override { return base_; }
+    CollectionRef StandardTables() const override;
+    CollectionRef Languages() const override;
+    ObjectRef ObjectByFullName(const ProjectRef& project, std::string_view fullName) const override;
+    int AccessRights() const override { return accessRights_; }
+    ObjectRef ObjectByPath(std::string_view path, int mode) const override;
+    WorksetRef Workset() const override;
+
+    void setBase(std::shared_ptr<StoreProject> base) { base_ = std::move(base); }
+    void setAccessRights(int rights) { accessRights_ = rights; }
+    bool writable() const { return (accessRights_ & 1) != 0; }
+    void addLanguage(const std::string& name);
+    std::shared_ptr<Device> addRoot(const std::string& name);
+    std::shared_ptr<Device> root(std::string_view name) const { return roots_.find(name); }
+    // Keeps the roots' index right when a root is renamed; before it takes the name.
+    void renameRoot(std::string_view from, std::string_view to) { roots_.rename(from, to); }
+    const NamedChildren<Device>& roots() const { return roots_; }
+    // Top-level standard tables hang under one unnamed table of the project.
+    const std::shared_ptr<StandardTable>& tableRoot() const { return tableRoot_; }
+    const std::vector<std::shared_ptr<StoredObject>>& languages() const { return languages_; }
+    void setOption(int number, Variant value) { options_[number] = std::move(value); }
+    Variant option(int number) const;
+    const std::map<int, Variant>& options() const { return options_; }
+    std::shared_ptr<Database> database() const { return database_.lock(); }
+
+    // The object of this project only, without looking into base projects.
+    ObjectRef ownObjectByPath(std::string_view path) const;
+
+private:
+    std::string name_;
+    std::weak_ptr<Database> database_;
+    std::shared_ptr<StoreProject> base_;
+    int accessRights_ = 1;
+    NamedChildren<Device> roots_;
+    std::shared_ptr<StandardTable> tableRoot_;
+    std::vector<std::shared_ptr<StoredObject>> languages_;
+    std::map<int, Variant> options_;
+};
+
+class Globals final : public IGlobals {
+public:
+    explicit Globals(std::weak_ptr<Database> database) : database_(std::move(database)) {}
+    Variant getOption(int number) const override;
+    void setoption(int number, const Variant& value) override { options_[number] = value; }
+    DeviceRef PipeClassRootCDevice() const override { return pipeClassRoot_; }
+    Variant GetOptionFromProject(const ProjectRef& project, int number) const override;
+
+    void setPipeClassRootCDevice(DeviceRef root) { pipeClassRoot_ = std::move(root); }
+    const std::map<int, Variant>& options() const { return options_; }
+
+private:
+    std::weak_ptr<Database> database_;
+    mutable std::map<int, Variant> options_;
+    DeviceRef pipeClassRoot_;
+};
+
+class AppGlobals final : public IAppGlobals {
+public:
+    bool Exist(std::string_view name) const override;
+    bool TubrixDesignerRun() const override { return designerRun_; }
+    std::shared_ptr<INavigator> Navigator() const override { return navigator_; }
+
+    void setTubrixDesignerRun(bool running) { designerRun_ = running; }
+    void setNavigator(std::shared_ptr<INavigator> navigator) { navigator_ = std::move(navigator); }
+    void setValue(const std::string& name, Variant value);
+    Variant value(std::string_view name) const;
+    const std::map<std::string, Variant>& values() const { return values_; }
+
+private:
+    bool designerRun_ = false;
+    std::shared_ptr<INavigator> navigator_;
+    std::map<std::string, Variant> values_;  // by upper-case name
+};
+
+class StoreWorkset final : public IWorkset, public std::enable_shared_from_this<StoreWorkset> {
+public:
+    explicit StoreWorkset(std::weak_ptr<Database> database);
+
+    CollectionRef ClipboardObjects() const override { return clipboard_; }
+    Variant DragObject() const override { return drag_; }
+    std::shared_ptr<ILateBoundTools> LateBoundTools() const override { return tools_; }
+    ProjectRef CurrentProject() const override { return current_; }
+    void SetCurrentProject(const ProjectRef& project) override;
+    CollectionRef NewCollection() const override;
+    std::shared_ptr<IAppGlobals> AppGlobals() const override { return appGlobals_; }
+    std::shared_ptr<IGlobals> Globals() const override { return globals_; }
+    UndoStateRef CurrentUndoState() const override { return undo_; }
+    void SetCurrentUndoState(const UndoStateRef& state) override;
+    std::shared_ptr<IClipboard> Clipboard() const override { return clipboardService_; }
+    double ParseNumber(std::string_view text) const override;
+
+    std::shared_ptr<UndoState> NewUndoState() const { return std::make_shared<UndoState>(); }
+    // The state that records changes now; empty while none is set or while it replays.
+    UndoState* recorder() const { return undo_ && !undo_->replaying() ? undo_.get() : nullptr; }
+    void setDragObject(Variant object) { drag_ = std::move(object); }
+    std::shared_ptr<platform::Globals> globals() const { return globals_; }
+    std::shared_ptr<platform::AppGlobals> appGlobals() const { return appGlobals_; }
+
+private:
+    std::weak_ptr<Database> database_;
+    std::shared_ptr<StoreProject> current_;
+    std::shared_ptr<platform::Globals> globals_;
+    std::shared_ptr<platform::AppGlobals> appGlobals_;
+    std::shared_ptr<UndoState> undo_;
+    CollectionRef clipboard_;
+    std::shared_ptr<IClipboard> clipboardService_;
+    std::shared_ptr<ILateBoundTools> tools_;
+    Variant drag_;
+};
+
+// One open database: its projects, the system project and the workset.
+class Database final : public std::enable_shared_from_this<Database> {
+public:
+    static std::shared_ptr<Database> create();
+    // Lets go of the links between objects, so that closing frees them all.
+    ~Database();
+
+    std::shared_ptr<StoreProject> addProject(const std::string& name, std::shared_ptr<StoreProject> base = nullptr);
+    std::shared_ptr<StoreProject> project(std::string_view name) const;
+    const std::vector<std::shared_ptr<StoreProject>>& projects() const { return projects_; }
+    void setSystemProject(std::shared_ptr<StoreProject> project) { system_ = std::move(project); }
+    std::shared_ptr<StoreProject> systemProject() const { return system_; }
+    std::shared_ptr<StoreWorkset> workset() const { return workset_; }
+    // "PROJECT:path#nested" or, without a project prefix, within `project`.
+    ObjectRef objectByFullName(std::string_view fullName, const StoreProject* project) const;
+
+    // The objects whose own fields or list of members changed, gathered
+    // while a file keeps this database, so that a save writes only those.
+    void trackChanges(bool on);
+    void noteChange(std::shared_ptr<StoredObject> object);
+    const std::unordered_set<std::shared_ptr<StoredObject>>& changes() const { return changes_; }
+    void forgetChanges() { changes_.clear(); }
+
+private:
+    Database() = default;
+    std::unordered_set<std::shared_ptr<StoredObject>> changes_;
+    bool tracking_ = false;
+    std::vector<std::shared_ptr<StoreProject>> projects_;
+    std::shared_ptr<StoreProject> system_;
+    std::shared_ptr<StoreWorkset> workset_;
+};
+
+// The next running number for UniqueId.
+std::uint64_t nextUniqueNumber();
+// Makes the running numbers go on above `used`, which a loaded object keeps.
+void reserveUniqueNumbers(std::uint64_t used);
+// Counts the changes to any database, so that a view can tell that what it
+// has gathered may be out of date.
+std::uint64_t changeCount();
+void countChange();
+
+}  // namespace pipespec::platform
