@@ -2,6 +2,7 @@
 // name-range chapter are filled.
 
 #include "elements/AddToPipeClass.h"
+#include "objectmodel/Options.h"
 #include "support/World.h"
 
 #include <gmock/gmock.h>
@@ -157,7 +158,7 @@ protected:
             norm->Spec("NORM.DNMIN")->SetStandardTable(table);
             norm->Spec("NORM.DNMAX")->SetStandardTable(table);
         }
-        world.base()->setOption(231, root);
+        world.base()->setOption(option::NormDimensions, root);
     }
     std::vector<std::string> calcLines() const { return world.traceLines("CalcMinMaxSpec"); }
 };

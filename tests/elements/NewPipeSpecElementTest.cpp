@@ -5,6 +5,7 @@
 #include "diagnostics/Translate.h"
 #include "elements/AddToPipeClass.h"
 #include "elements/RangeControl.h"
+#include "objectmodel/Options.h"
 #include "support/World.h"
 
 #include <gmock/gmock.h>
@@ -69,7 +70,7 @@ protected:
     {
         return "QuorlPipeSpecComp.AddToPipeClass XAddToPipeClass: " + text;
     }
-    VariantMap& cache() const { return must(world.workset()->Globals()->getOption(64).map()); }
+    VariantMap& cache() const { return must(world.workset()->Globals()->getOption(option::PipeClassCache).map()); }
     int elementCount() const { return pipeClass->Devices()->Count(); }
     std::vector<std::string> created() const { return must(addtopipeclass::CreatedObjects()).Keys(); }
     std::vector<std::string> rangeOf(const DeviceRef& element) const
