@@ -24,6 +24,8 @@ class IGlobals;
 class IAppGlobals;
 class IClipboard;
 class ILateBoundTools;
+class INameTable;
+class IPipeSpecHelper;
 
 using DeviceRef = std::shared_ptr<IDevice>;
 using SpecRef = std::shared_ptr<ISpecification>;
@@ -241,6 +243,8 @@ public:
     ProjectRef GetCurrentProject() const { return CurrentProject(); }
     virtual void SetCurrentProject(const ProjectRef& project) = 0;
     virtual CollectionRef NewCollection() const = 0;
+    // A new helper object for one run; it reads attribute names from `names`.
+    virtual std::shared_ptr<IPipeSpecHelper> NewPipeSpecHelper(std::shared_ptr<const INameTable> names) const = 0;
     virtual std::shared_ptr<IAppGlobals> AppGlobals() const = 0;
     virtual std::shared_ptr<IGlobals> Globals() const = 0;
     virtual UndoStateRef CurrentUndoState() const = 0;

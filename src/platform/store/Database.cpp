@@ -2,6 +2,7 @@
 
 #include "objectmodel/Options.h"
 #include "objectmodel/Text.h"
+#include "platform/PipeSpecHelper.h"
 #include "platform/store/Collections.h"
 
 #include <algorithm>
@@ -276,6 +277,11 @@ void StoreWorkset::SetCurrentProject(const ProjectRef& project)
 }
 
 CollectionRef StoreWorkset::NewCollection() const { return std::make_shared<FreeCollection>(); }
+
+std::shared_ptr<IPipeSpecHelper> StoreWorkset::NewPipeSpecHelper(std::shared_ptr<const INameTable> names) const
+{
+    return std::make_shared<PipeSpecHelper>(std::move(names));
+}
 
 void StoreWorkset::SetCurrentUndoState(const UndoStateRef& state)
 {

@@ -131,6 +131,7 @@ public:
     ProjectRef CurrentProject() const override { return current_; }
     void SetCurrentProject(const ProjectRef& project) override;
     CollectionRef NewCollection() const override;
+    std::shared_ptr<IPipeSpecHelper> NewPipeSpecHelper(std::shared_ptr<const INameTable> names) const override;
     std::shared_ptr<IAppGlobals> AppGlobals() const override { return appGlobals_; }
     std::shared_ptr<IGlobals> Globals() const override { return globals_; }
     UndoStateRef CurrentUndoState() const override { return undo_; }
