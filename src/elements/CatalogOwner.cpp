@@ -104,7 +104,7 @@ SpecRef GetNormDimensionSpec(const SpecRef& NameRangeChapter, const std::string&
     SpecRef result;
     Procedure(cls::AddToPipeClass, "Function GetNormDimensionSpec").run([&] {
         const auto& names = diagnostics::names();
-        auto& normObject = moduleState().NormDimensionObject;
+        auto& normObject = moduleState(must(NameRangeChapter)).NormDimensionObject;
         if (!normObject) {
             if (const auto reference = must(NameRangeChapter).Spec(names.NormDimensionRef())) {
                 const auto workset = NameRangeChapter->Workset();

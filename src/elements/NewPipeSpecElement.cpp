@@ -136,7 +136,7 @@ DeviceRef NewPipeSpecElement(DeviceRef CDevObject, const DeviceRef& mPipeClass, 
         }
 
         // Cascade reset: both maps are always replaced together.
-        auto& state = moduleState();
+        auto& state = moduleState(must(CDevObject ? CDevObject : presetElement));
         if (!state.m_CreatedObjects || ResetCreated) {
             trace.text("resetting m_CreatedObjects");
             state.m_CreatedObjects = std::make_shared<ObjectMap>();

@@ -127,7 +127,7 @@ void UpdatePDMSSpecComp(const DeviceRef& CDevPC, const DeviceRef& mPipeClass, bo
         bool structure = false;
         procedure.step([&] { structure = isStructureCase(CDevPC, mPipeClass); });
         procedure.step([&] {
-            if (structure || moduleState().AfterAddRunning) return;
+            if (structure || moduleState(*CDevPC).AfterAddRunning) return;
             if (nameGenerationOn(mPipeClass)) GenerateName(CDevPC, groupId);
         });
     }

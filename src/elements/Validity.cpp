@@ -3,6 +3,7 @@
 #include "diagnostics/ErrorTail.h"
 #include "diagnostics/Messages.h"
 #include "diagnostics/ServiceRegistry.h"
+#include "objectmodel/DatabaseState.h"
 #include "objectmodel/Options.h"
 #include "objectmodel/Text.h"
 
@@ -23,13 +24,11 @@ bool isPipeClassCode(std::int32_t code)
 }
 }  // namespace
 
-ModuleState& moduleState()
-{
-    static ModuleState state;
-    return state;
-}
+ModuleState& moduleState(IWorkset& workset) { return workset.State().get<ModuleState>(); }
 
-std::shared_ptr<const ObjectMap> CreatedObjects() { return moduleState().m_CreatedPipeSpecElem; }
+ModuleState& moduleState(const IBaseObject& object) { return moduleState(must(object.Workset())); }
+
+std::shared_ptr<const ObjectMap> CreatedObjects(IWorkset& workset) { return moduleState(workset).m_CreatedPipeSpecElem; }
 
 bool IsPipeClass(const ObjectRef& object, std::int32_t& VFCD)
 {

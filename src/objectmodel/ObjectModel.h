@@ -26,6 +26,7 @@ class IClipboard;
 class ILateBoundTools;
 class INameTable;
 class IPipeSpecHelper;
+class DatabaseState;
 
 using DeviceRef = std::shared_ptr<IDevice>;
 using SpecRef = std::shared_ptr<ISpecification>;
@@ -252,6 +253,9 @@ public:
     virtual std::shared_ptr<IClipboard> Clipboard() const = 0;
     // A number in the text; an error (13) when the text holds none.
     virtual double ParseNumber(std::string_view text) const = 0;
+    // What the code keeps for this workset's database (DatabaseState.h);
+    // error ObjectNotSet once the database is closed.
+    virtual DatabaseState& State() = 0;
 };
 
 // Reference casts used throughout the logic: empty in, empty out.

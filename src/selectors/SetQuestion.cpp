@@ -95,7 +95,7 @@ QuestionWalk::Walk QuestionWalk::start()
         // A code that is no number is reported, and the answer stays the code.
         if (!answer_.empty())
             p_.step([&] {
-                answer_ = must(helper_).GenericTypeOfFunctionCode(moduleState().m_MenuCDev, text::CLng(answer_));
+                answer_ = must(helper_).GenericTypeOfFunctionCode(moduleState(*pipeClass_).m_MenuCDev, text::CLng(answer_));
             });
     }
     if (answer_.empty()) {

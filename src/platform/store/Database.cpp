@@ -283,6 +283,13 @@ std::shared_ptr<IPipeSpecHelper> StoreWorkset::NewPipeSpecHelper(std::shared_ptr
     return std::make_shared<PipeSpecHelper>(std::move(names));
 }
 
+DatabaseState& StoreWorkset::State()
+{
+    const auto database = database_.lock();
+    if (!database) throw PlatformError(err::ObjectNotSet, "the database of this workset is closed");
+    return database->state();
+}
+
 void StoreWorkset::SetCurrentUndoState(const UndoStateRef& state)
 {
     auto undo = std::dynamic_pointer_cast<UndoState>(state);
