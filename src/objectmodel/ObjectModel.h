@@ -24,6 +24,9 @@ class IGlobals;
 class IAppGlobals;
 class IClipboard;
 class ILateBoundTools;
+class INameTable;
+class IPipeSpecHelper;
+class DatabaseState;
 
 using DeviceRef = std::shared_ptr<IDevice>;
 using SpecRef = std::shared_ptr<ISpecification>;
@@ -241,6 +244,8 @@ public:
     ProjectRef GetCurrentProject() const { return CurrentProject(); }
     virtual void SetCurrentProject(const ProjectRef& project) = 0;
     virtual CollectionRef NewCollection() const = 0;
+    // A new helper object for one run; it reads attribute names from `names`.
+    virtual std::shared_ptr<IPipeSpecHelper> NewPipeSpecHelper(std::shared_ptr<const INameTable> names) const = 0;
     virtual std::shared_ptr<IAppGlobals> AppGlobals() const = 0;
     virtual std::shared_ptr<IGlobals> Globals() const = 0;
     virtual UndoStateRef CurrentUndoState() const = 0;
@@ -248,6 +253,9 @@ public:
     virtual std::shared_ptr<IClipboard> Clipboard() const = 0;
     // A number in the text; an error (13) when the text holds none.
     virtual double ParseNumber(std::string_view text) const = 0;
+    // What the code keeps for this workset's database (DatabaseState.h);
+    // error ObjectNotSet once the database is closed.
+    virtual DatabaseState& State() = 0;
 };
 
 // Reference casts used throughout the logic: empty in, empty out.

@@ -1,6 +1,8 @@
 #include "platform/store/Database.h"
 
+#include "objectmodel/Options.h"
 #include "objectmodel/Text.h"
+#include "platform/PipeSpecHelper.h"
 #include "platform/store/Collections.h"
 
 #include <algorithm>
@@ -10,9 +12,6 @@
 namespace pipespec::platform {
 
 namespace {
-constexpr int kCacheOption = 64;
-constexpr int kNormDimensionOption = 231;
-
 std::string upper(std::string_view text)
 {
     std::string out(text);
@@ -87,10 +86,10 @@ public:
         const auto workset = workset_.lock();
         if (!store || !workset) return nullptr;
         auto& globals = *workset->globals();
-        if (globals.getOption(kNormDimensionOption).IsEmpty())
+        if (globals.getOption(option::NormDimensions).IsEmpty())
             for (auto p = store; p; p = std::dynamic_pointer_cast<StoreProject>(p->BaseProject()))
-                if (auto norm = p->option(kNormDimensionOption); !norm.IsEmpty()) {
-                    globals.setoption(kNormDimensionOption, norm);
+                if (auto norm = p->option(option::NormDimensions); !norm.IsEmpty()) {
+                    globals.setoption(option::NormDimensions, norm);
                     break;
                 }
         return store->ObjectByPath("@3D", 1);
@@ -234,7 +233,7 @@ Variant Globals::getOption(int number) const
 {
     auto& value = options_[number];
     // The cache of pipe-class entries is always a map, so callers can drop an entry.
-    if (number == kCacheOption && !value.map()) value = std::make_shared<VariantMap>();
+    if (number == option::PipeClassCache && !value.map()) value = std::make_shared<VariantMap>();
     return value;
 }
 
@@ -278,6 +277,18 @@ void StoreWorkset::SetCurrentProject(const ProjectRef& project)
 }
 
 CollectionRef StoreWorkset::NewCollection() const { return std::make_shared<FreeCollection>(); }
+
+std::shared_ptr<IPipeSpecHelper> StoreWorkset::NewPipeSpecHelper(std::shared_ptr<const INameTable> names) const
+{
+    return std::make_shared<PipeSpecHelper>(std::move(names));
+}
+
+DatabaseState& StoreWorkset::State()
+{
+    const auto database = database_.lock();
+    if (!database) throw PlatformError(err::ObjectNotSet, "the database of this workset is closed");
+    return database->state();
+}
 
 void StoreWorkset::SetCurrentUndoState(const UndoStateRef& state)
 {

@@ -3,6 +3,7 @@
 // Projects, the workset with its options, undo states, and the database that
 // owns them all.
 
+#include "objectmodel/DatabaseState.h"
 #include "objectmodel/ObjectModel.h"
 #include "platform/store/Objects.h"
 
@@ -131,12 +132,14 @@ public:
     ProjectRef CurrentProject() const override { return current_; }
     void SetCurrentProject(const ProjectRef& project) override;
     CollectionRef NewCollection() const override;
+    std::shared_ptr<IPipeSpecHelper> NewPipeSpecHelper(std::shared_ptr<const INameTable> names) const override;
     std::shared_ptr<IAppGlobals> AppGlobals() const override { return appGlobals_; }
     std::shared_ptr<IGlobals> Globals() const override { return globals_; }
     UndoStateRef CurrentUndoState() const override { return undo_; }
     void SetCurrentUndoState(const UndoStateRef& state) override;
     std::shared_ptr<IClipboard> Clipboard() const override { return clipboardService_; }
     double ParseNumber(std::string_view text) const override;
+    DatabaseState& State() override;
 
     std::shared_ptr<UndoState> NewUndoState() const { return std::make_shared<UndoState>(); }
     // The state that records changes now; empty while none is set or while it replays.
@@ -180,8 +183,12 @@ public:
     const std::unordered_set<std::shared_ptr<StoredObject>>& changes() const { return changes_; }
     void forgetChanges() { changes_.clear(); }
 
+    // What the code keeps for this database; it goes when the database closes.
+    DatabaseState& state() { return state_; }
+
 private:
     Database() = default;
+    DatabaseState state_;
     std::unordered_set<std::shared_ptr<StoredObject>> changes_;
     bool tracking_ = false;
     std::vector<std::shared_ptr<StoreProject>> projects_;
