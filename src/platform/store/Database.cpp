@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cctype>
+#include <utility>
 
 namespace pipespec::platform {
 
@@ -122,33 +123,59 @@ void countChange() { ++changes; }
 
 // ---- UndoState ---------------------------------------------------------
 
-void UndoState::record(std::function<void()> redo, std::function<void()> undo)
+void UndoState::record(std::uint64_t action, std::function<void()> redo, std::function<void()> undo)
 {
-    if (undone_) {
-        changes_.clear();
-        undone_ = false;
-    }
-    changes_.push_back({std::move(redo), std::move(undo)});
+    steps_.erase(steps_.begin() + static_cast<std::ptrdiff_t>(done_), steps_.end());
+    if (!open_ || steps_.empty() || steps_.back().action != action) steps_.push_back({action, {}});
+    done_ = steps_.size();
+    open_ = true;
+    steps_.back().changes.push_back({std::move(redo), std::move(undo)});
 }
 
 void UndoState::Undo()
 {
-    if (undone_) return;
-    replaying_ = true;
-    for (auto it = changes_.rbegin(); it != changes_.rend(); ++it) it->undo();
-    replaying_ = false;
-    undone_ = true;
-    countChange();
+    if (done_ == 0) return;
+    replay(steps_[done_ - 1], true);
+    --done_;
 }
 
 void UndoState::Redo()
 {
-    if (!undone_) return;
-    replaying_ = true;
-    for (auto& change : changes_) change.redo();
-    replaying_ = false;
-    undone_ = false;
-    countChange();
+    if (done_ == steps_.size()) return;
+    replay(steps_[done_], false);
+    ++done_;
+}
+
+std::size_t UndoState::size() const
+{
+    std::size_t changes = 0;
+    for (std::size_t i = 0; i < done_; ++i) changes += steps_[i].changes.size();
+    return changes;
+}
+
+void UndoState::replay(const Step& step, bool backward)
+{
+    open_ = false;
+    const auto& changes = step.changes;
+    const auto count = changes.size();
+    // The i-th change taken, newest first backward.
+    const auto change = [&](std::size_t i) -> const Change& { return changes[backward ? count - 1 - i : i]; };
+    const auto run = [&] {
+        std::size_t taken = 0;
+        try {
+            for (; taken < count; ++taken) backward ? change(taken).undo() : change(taken).redo();
+        } catch (...) {
+            while (taken > 0) {
+                --taken;
+                backward ? change(taken).redo() : change(taken).undo();
+            }
+            throw;
+        }
+    };
+    if (const auto workset = workset_.lock())
+        workset->replay(run);
+    else
+        run();
 }
 
 // ---- StoreProject ------------------------------------------------------
@@ -293,8 +320,64 @@ DatabaseState& StoreWorkset::State()
 void StoreWorkset::SetCurrentUndoState(const UndoStateRef& state)
 {
     auto undo = std::dynamic_pointer_cast<UndoState>(state);
-    if (state && !undo) throw PlatformError(err::InvalidCall, "an undo state must come from this workset");
+    // Its steps hold this database's objects, and its replays stop this workset recording.
+    if (state && (!undo || undo->workset().get() != this)) throw PlatformError(err::InvalidCall, "an undo state must come from this workset");
     undo_ = std::move(undo);
+}
+
+void StoreWorkset::BeginAction()
+{
+    if (depth_++ == 0) ++action_;
+}
+
+void StoreWorkset::EndAction()
+{
+    if (depth_ == 0) throw PlatformError(err::InvalidCall, "an action ends that has not begun");
+    if (--depth_ > 0) return;
+    ++action_;
+    deliver(std::exchange(pending_, {}));
+}
+
+void StoreWorkset::AddChangeObserver(const std::shared_ptr<IChangeObserver>& observer)
+{
+    if (observer) observers_.push_back(observer);
+}
+
+void StoreWorkset::announce(ChangeNotice notice)
+{
+    pending_.push_back(std::move(notice));
+    if (depth_ == 0) deliver(std::exchange(pending_, {}));
+}
+
+void StoreWorkset::deliver(const std::vector<ChangeNotice>& notices)
+{
+    if (notices.empty()) return;
+    // The observers as they stand now: one that comes or goes while they
+    // hear, or a change an observer makes, does not disturb this round.
+    std::vector<std::shared_ptr<IChangeObserver>> hearing;
+    std::erase_if(observers_, [&hearing](const std::weak_ptr<IChangeObserver>& weak) {
+        auto observer = weak.lock();
+        if (!observer) return true;
+        hearing.push_back(std::move(observer));
+        return false;
+    });
+    for (const auto& observer : hearing) {
+        observer->BeginChanges();
+        for (const auto& notice : notices) observer->ObjectChanged(notice);
+        observer->EndChanges();
+    }
+}
+
+void StoreWorkset::replay(const std::function<void()>& changes)
+{
+    const ActionScope action(*this);
+    // Restored before the action ends, so that what observers change is recorded.
+    struct Replaying {
+        bool& flag;
+        const bool before = std::exchange(flag, true);
+        ~Replaying() { flag = before; }
+    } const replaying{replaying_};
+    changes();
 }
 
 double StoreWorkset::ParseNumber(std::string_view text) const
