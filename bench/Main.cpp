@@ -60,6 +60,8 @@ constexpr Target kTargets[] = {
      Check::SpeedOfAtLeast, 0.5, "BM_PersistRawBulkInsert/1000"},
     {"BM_MemoryPerAttributeBuilt", "Heap per attribute, 1,000,000 built in memory", Check::BytesAtMost, 200},
     {"BM_MemoryPerAttributeOpened", "Heap per attribute, 1,000,000 opened from a file", Check::BytesAtMost, 200},
+    {"BM_CliAddThousandOfTwentyThousand", "Command line add: 1,000 names on a catalogue of 20,000 components",
+     Check::WallAtMost, 1.0},
 };
 
 // Repetitions unless the command line says how many: the table shows their medians.

@@ -152,17 +152,27 @@ json describeElement(const DeviceRef& element)
             {"range", range}};
 }
 
-// Every attribute that holds a value, chapter by chapter.
-void collectLeafAttributes(const CollectionRef& specs, std::vector<SpecRef>& out)
+// Every attribute that holds a value, chapter by chapter in the order they
+// stand. The walk keeps its own list of open chapters, so that how deep they
+// nest costs no stack.
+std::vector<SpecRef> leafAttributes(const CollectionRef& specs)
 {
-    for (int i = 1; i <= specs->Count(); ++i) {
-        auto spec = asSpec(specs->Item(i));
-        const auto members = spec->Specifications();
-        if (members->Count() > 0)
-            collectLeafAttributes(members, out);
+    std::vector<SpecRef> leaves;
+    // The lists being gone through, innermost last, with the position of the next member.
+    std::vector<std::pair<CollectionRef, int>> open{{specs, 1}};
+    while (!open.empty()) {
+        auto& [list, next] = open.back();
+        if (next > list->Count()) {
+            open.pop_back();
+            continue;
+        }
+        auto spec = asSpec(list->Item(next++));
+        if (auto members = spec->Specifications(); members->Count() > 0)
+            open.emplace_back(std::move(members), 1);
         else
-            out.push_back(std::move(spec));
+            leaves.push_back(std::move(spec));
     }
+    return leaves;
 }
 
 // Where the question walk left an element of a class for the outside design
@@ -177,9 +187,7 @@ json walkOf(const DeviceRef& element)
     if (!link) link = element->Spec(names.PDMS() + "." + names.Selector());
     const auto leaf = link ? link->LinkObject() : nullptr;
     json walk = {{"selector", leaf ? leaf->SystemFullName() : std::string()}, {"questions", json::array()}};
-    std::vector<SpecRef> attributes;
-    collectLeafAttributes(element->Specs(), attributes);
-    for (const auto& spec : attributes) {
+    for (const auto& spec : leafAttributes(element->Specs())) {
         if (!walk.contains("shop") && text::Right(text::UCase(spec->Name()), 4) == "SHOP") walk["shop"] = spec->Value();
         if (text::InStr(spec->Description(), "(in spec)") > 0)
             walk["questions"].push_back({{"question", spec->NestedName()}, {"answer", spec->DisplayValue()}});
@@ -228,8 +236,7 @@ int runAdd(const Arguments& args, std::ostream& out)
 
     // Each component is looked up before anything is made, so that a typing
     // error leaves the pipe class as it was.
-    std::vector<DeviceRef> components;
-    for (const auto& words : args.positional()) components.push_back(session.component(words));
+    const auto components = session.components(args.positional());
 
     json report = {{"pipeClass", pipeClass->SystemFullName()}, {"elements", json::array()}, {"refused", json::array()}};
     for (const auto& component : components) {
@@ -326,33 +333,71 @@ int runQuestions(const Arguments& args, std::ostream& out)
 
 // ---- selectors ---------------------------------------------------------
 
-json selectorOutline(const DeviceRef& selector)
+// One selector without its children.
+json selectorNode(const IDevice& selector)
 {
     const auto& sele = diagnostics::names().Sele();
     const auto read = [&](const std::string& name) {
-        const auto spec = selector->Spec(name);
+        const auto spec = selector.Spec(name);
         return spec ? spec->Value() : std::string();
     };
-    json node = {{"name", selector->Name()},
-                 {"question", read(sele.NextQuestion())},
-                 {"answer", read(sele.Answer())},
-                 {"type", read(sele.SelectorType())},
-                 {"defaultAnswer", read(sele.DefaultAnswer())},
-                 {"children", json::array()}};
-    const auto children = selector->Devices();
-    for (int i = 1; i <= children->Count(); ++i) node["children"].push_back(selectorOutline(asDevice(children->Item(i))));
-    return node;
+    return {{"name", selector.Name()},
+            {"question", read(sele.NextQuestion())},
+            {"answer", read(sele.Answer())},
+            {"type", read(sele.SelectorType())},
+            {"defaultAnswer", read(sele.DefaultAnswer())},
+            {"children", json::array()}};
 }
 
-void printOutline(const json& node, int depth, std::ostream& out)
+// The selector tree as nested nodes. Like every walk of a tree here, it keeps
+// its own list of open levels rather than the stack.
+json selectorOutline(const DeviceRef& root)
 {
-    out << std::string(static_cast<std::size_t>(2 * depth), ' ') << node["name"].get<std::string>();
+    json outline = selectorNode(*root);
+    // The selectors being gone through, innermost last: their children, the
+    // node those go into and the position of the next child. A node's list
+    // of children grows only while it is innermost, so the nodes of the
+    // levels around it stay where they are.
+    struct Level {
+        CollectionRef children;
+        json* node;
+        int next;
+    };
+    std::vector<Level> open{{root->Devices(), &outline, 1}};
+    while (!open.empty()) {
+        auto& level = open.back();
+        if (level.next > level.children->Count()) {
+            open.pop_back();
+            continue;
+        }
+        const auto child = asDevice(level.children->Item(level.next++));
+        auto& node = (*level.node)["children"].emplace_back(selectorNode(*child));
+        open.push_back({child->Devices(), &node, 1});
+    }
+    return outline;
+}
+
+void printSelector(const json& node, std::size_t depth, std::ostream& out)
+{
+    out << std::string(2 * depth, ' ') << node["name"].get<std::string>();
     if (!node["answer"].get<std::string>().empty()) out << "  answer " << node["answer"].get<std::string>();
     if (!node["question"].get<std::string>().empty()) out << "  asks " << node["question"].get<std::string>();
     if (!node["type"].get<std::string>().empty()) out << "  type " << node["type"].get<std::string>();
     if (!node["defaultAnswer"].get<std::string>().empty()) out << "  default " << node["defaultAnswer"].get<std::string>();
     out << "\n";
-    for (const auto& child : node["children"]) printOutline(child, depth + 1, out);
+}
+
+void printOutline(const json& tree, std::ostream& out)
+{
+    // Nodes still to print, the next one last, with their depth.
+    std::vector<std::pair<const json*, std::size_t>> waiting{{&tree, 1}};
+    while (!waiting.empty()) {
+        const auto [node, depth] = waiting.back();
+        waiting.pop_back();
+        printSelector(*node, depth, out);
+        const auto& children = (*node)["children"];
+        for (auto child = children.rbegin(); child != children.rend(); ++child) waiting.emplace_back(&*child, depth + 1);
+    }
 }
 
 int runSelectors(const Arguments& args, std::ostream& out)
@@ -367,7 +412,7 @@ int runSelectors(const Arguments& args, std::ostream& out)
         out << report.dump(2) << "\n";
     } else if (root) {
         out << "Selectors of " << report["pipeClass"].get<std::string>() << "\n";
-        printOutline(report["tree"], 1, out);
+        printOutline(report["tree"], out);
     } else {
         out << report["pipeClass"].get<std::string>() << " has no selector tree\n";
     }
@@ -380,9 +425,15 @@ int runSelectors(const Arguments& args, std::ostream& out)
 // The device and everything below it.
 std::size_t countDevices(const DeviceRef& device)
 {
-    std::size_t count = 1;
-    const auto children = device->Devices();
-    for (int i = 1; i <= children->Count(); ++i) count += countDevices(asDevice(children->Item(i)));
+    std::size_t count = 0;
+    std::vector<DeviceRef> waiting{device};
+    while (!waiting.empty()) {
+        const auto next = std::move(waiting.back());
+        waiting.pop_back();
+        ++count;
+        const auto children = next->Devices();
+        for (int i = 1; i <= children->Count(); ++i) waiting.push_back(asDevice(children->Item(i)));
+    }
     return count;
 }
 
@@ -441,28 +492,17 @@ int runInfo(const Arguments& args, std::ostream& out)
 
 // Attributes with their values, chapter by chapter; a list or range
 // attribute adds its rows.
-void collectAttributes(const CollectionRef& specs, json& out)
+json attributesOf(const DeviceRef& device)
 {
-    for (int i = 1; i <= specs->Count(); ++i) {
-        const auto spec = asSpec(specs->Item(i));
-        const auto members = spec->Specifications();
-        if (members->Count() > 0) {
-            collectAttributes(members, out);
-            continue;
-        }
+    json attributes = json::array();
+    for (const auto& spec : leafAttributes(device->Specs())) {
         json attribute = {{"name", spec->NestedName()}, {"value", spec->DisplayValue()}};
         if (spec->RowCount() > 0) {
             attribute["rows"] = json::array();
             for (int row = 0; row < spec->RowCount(); ++row) attribute["rows"].push_back(spec->GetXValue(row));
         }
-        out.push_back(std::move(attribute));
+        attributes.push_back(std::move(attribute));
     }
-}
-
-json attributesOf(const DeviceRef& device)
-{
-    json attributes = json::array();
-    collectAttributes(device->Specs(), attributes);
     return attributes;
 }
 

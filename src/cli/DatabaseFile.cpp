@@ -1,6 +1,7 @@
 #include "cli/DatabaseFile.h"
 
 #include "objectmodel/Errors.h"
+#include "objectmodel/JsonInput.h"
 
 #include <nlohmann/json.hpp>
 
@@ -13,7 +14,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using nlohmann::json;
 using platform::ProjectFile;
 
 bool isJsonProjectPath(const fs::path& path) { return path.extension() == ".json"; }
@@ -29,12 +29,8 @@ bool writeProtected(const fs::path& path)
 std::shared_ptr<const platform::JsonNameTable> namesOf(const ProjectFile& file, const fs::path& path,
                                                        const platform::JsonNameTable& defaultNames)
 {
-    try {
-        return defaultNames.overlaid(json::parse(file.nameOverrides()), path.string());
-    } catch (const json::parse_error& e) {
-        throw PlatformError(err::Configuration,
-                            "Database file " + path.string() + " is damaged: its name table overrides are not JSON: " + e.what());
-    }
+    return defaultNames.overlaid(parseJson(file.nameOverrides(), "Database file " + path.string() + " is damaged: its name table text"),
+                                 path.string());
 }
 
 }  // namespace

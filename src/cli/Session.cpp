@@ -86,7 +86,14 @@ std::vector<DeviceRef> Session::pipeClasses() const
     return classes;
 }
 
-DeviceRef Session::byWords(const std::string& words, const std::vector<DeviceRef>& candidates, const char* what) const
+Session::NameIndex Session::indexByName(const std::vector<DeviceRef>& candidates)
+{
+    NameIndex index;
+    for (const auto& candidate : candidates) index[candidate->Name()].push_back(candidate);
+    return index;
+}
+
+DeviceRef Session::byWords(const std::string& words, const NameIndex& candidates, const char* what) const
 {
     if (words.find(':') != std::string::npos || words.find('|') != std::string::npos) {
         const auto object = words.find(':') != std::string::npos ? database().objectByFullName(words, nullptr)
@@ -95,10 +102,9 @@ DeviceRef Session::byWords(const std::string& words, const std::vector<DeviceRef
         if (!device) throw UsageError("there is no " + std::string(what) + " '" + words + "'");
         return device;
     }
-    std::vector<DeviceRef> named;
-    for (const auto& candidate : candidates)
-        if (candidate->Name() == words) named.push_back(candidate);
-    if (named.empty()) throw UsageError("there is no " + std::string(what) + " named '" + words + "'");
+    const auto found = candidates.find(words);
+    if (found == candidates.end()) throw UsageError("there is no " + std::string(what) + " named '" + words + "'");
+    const auto& named = found->second;
     if (named.size() > 1) {
         std::string list;
         for (const auto& device : named) list += "\n  " + device->SystemFullName();
@@ -109,11 +115,20 @@ DeviceRef Session::byWords(const std::string& words, const std::vector<DeviceRef
 
 DeviceRef Session::pipeClass(const std::string& words) const
 {
-    auto device = byWords(words, pipeClasses(), "pipe class");
+    auto device = byWords(words, indexByName(pipeClasses()), "pipe class");
     if (!addtopipeclass::IsPipeClass(device)) throw UsageError(device->SystemFullName() + " is not a pipe class");
     return device;
 }
 
-DeviceRef Session::component(const std::string& words) const { return byWords(words, catalogueComponents(), "component"); }
+DeviceRef Session::component(const std::string& words) const { return components({words}).front(); }
+
+std::vector<DeviceRef> Session::components(const std::vector<std::string>& words) const
+{
+    const auto catalogue = indexByName(catalogueComponents());
+    std::vector<DeviceRef> found;
+    found.reserve(words.size());
+    for (const auto& each : words) found.push_back(byWords(each, catalogue, "component"));
+    return found;
+}
 
 }  // namespace pipespec::cli

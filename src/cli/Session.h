@@ -8,6 +8,7 @@
 #include "cli/Arguments.h"
 #include "cli/DatabaseFile.h"
 #include "diagnostics/HeadlessHost.h"
+#include "objectmodel/TextHash.h"
 
 #include <memory>
 #include <string>
@@ -36,6 +37,9 @@ public:
     // A catalogue component in the same three ways; a name must be unique
     // within the catalogue roots ("@40") of the project and its bases.
     DeviceRef component(const std::string& words) const;
+    // Components for each of `words`, as component() finds one, with one walk
+    // of the catalogue for all of them.
+    std::vector<DeviceRef> components(const std::vector<std::string>& words) const;
     // Every component under the catalogue roots, in tree order.
     std::vector<DeviceRef> catalogueComponents() const;
     // Every pipe class of the current project and its bases, in tree order.
@@ -43,7 +47,10 @@ public:
 
 private:
     Session(diagnostics::LanguageTable language, const Arguments& args, DatabaseFile::Use use);
-    DeviceRef byWords(const std::string& words, const std::vector<DeviceRef>& candidates, const char* what) const;
+    // Candidates by name.
+    using NameIndex = TextMap<std::vector<DeviceRef>>;
+    static NameIndex indexByName(const std::vector<DeviceRef>& candidates);
+    DeviceRef byWords(const std::string& words, const NameIndex& candidates, const char* what) const;
 
     DatabaseFile file_;
     std::unique_ptr<diagnostics::ScopedHeadlessHost> host_;

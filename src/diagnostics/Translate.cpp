@@ -1,6 +1,7 @@
 #include "diagnostics/Translate.h"
 
 #include "objectmodel/Errors.h"
+#include "objectmodel/JsonInput.h"
 #include "objectmodel/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -38,12 +39,7 @@ std::optional<MessageLiteral> parseMessage(std::string_view text) noexcept
 
 LanguageTable LanguageTable::parse(std::string_view json, std::string_view origin)
 {
-    nlohmann::json document;
-    try {
-        document = nlohmann::json::parse(json);
-    } catch (const nlohmann::json::parse_error& e) {
-        configurationError(origin, e.what());
-    }
+    const auto document = parseJson(json, "Language table " + std::string(origin));
     if (!document.is_object()) configurationError(origin, "expected an object of key -> text");
 
     LanguageTable table;

@@ -85,6 +85,20 @@ std::optional<NumberText> scanNumber(std::string_view s) noexcept
     return number;
 }
 
+// The value of a scanned text; empty beyond the range of a double, while too
+// small a magnitude gives 0.
+std::optional<double> valueOf(const NumberText& number) noexcept
+{
+    const auto digits = number.unsignedText;
+    double value = 0.0;
+    // The scan admitted only what from_chars reads in full.
+    if (std::from_chars(digits.data(), digits.data() + digits.size(), value).ec == std::errc::result_out_of_range) {
+        if (number.magnitude >= 0) return std::nullopt;
+        value = 0.0;
+    }
+    return number.negative ? -value : value;
+}
+
 double roundHalfEven(double value)
 {
     double rounded = std::round(value);  // halves away from zero
@@ -179,20 +193,20 @@ int StrCompBinary(std::string_view a, std::string_view b) noexcept
     return (order > 0) - (order < 0);
 }
 
-bool IsNumeric(std::string_view s) noexcept { return scanNumber(s).has_value(); }
+bool IsNumeric(std::string_view s) noexcept
+{
+    const auto number = scanNumber(s);
+    // Only a magnitude as high as that of a double's largest value can lie beyond it.
+    return number && (number->magnitude < std::numeric_limits<double>::max_exponent10 || valueOf(*number));
+}
 
 double CDbl(std::string_view s)
 {
     const auto number = scanNumber(s);
     if (!number) typeMismatch();
-    const auto digits = number->unsignedText;
-    double value = 0.0;
-    // The scan admitted only what from_chars reads in full.
-    if (std::from_chars(digits.data(), digits.data() + digits.size(), value).ec == std::errc::result_out_of_range) {
-        if (number->magnitude >= 0) overflow();
-        value = 0.0;
-    }
-    return number->negative ? -value : value;
+    const auto value = valueOf(*number);
+    if (!value) overflow();
+    return *value;
 }
 
 std::int32_t CLng(double value) { return toInteger<std::int32_t>(value); }

@@ -47,7 +47,8 @@ namespace pipespec::text {
 
 // Blanks (spaces, tabs) around an optionally signed decimal number with at
 // most one ".", at least one digit and an optional exponent ("E" or "e",
-// optional sign, at least one digit).
+// optional sign, at least one digit), whose value a double holds: "1E400" is
+// not numeric, "1E-400" is (it reads as 0).
 [[nodiscard]] bool IsNumeric(std::string_view s) noexcept;
 
 // Not numeric: error 13. Beyond the range of a double: error 6; too small a

@@ -1,6 +1,7 @@
 #include "platform/JsonNameTable.h"
 
 #include "objectmodel/Errors.h"
+#include "objectmodel/JsonInput.h"
 
 #include <nlohmann/json.hpp>
 
@@ -28,13 +29,7 @@ std::shared_ptr<JsonNameTable> JsonNameTable::load(const std::filesystem::path& 
 {
     std::ifstream in(file);
     if (!in) configurationError(file.string(), "cannot be read");
-    nlohmann::json document;
-    try {
-        document = nlohmann::json::parse(in);
-    } catch (const nlohmann::json::parse_error& e) {
-        configurationError(file.string(), e.what());
-    }
-    return parse(document, file.string());
+    return parse(parseJson(in, "Name table " + file.string()), file.string());
 }
 
 std::filesystem::path JsonNameTable::shippedPath() { return std::filesystem::path(PIPESPEC_DATA_DIR) / "nametable.json"; }

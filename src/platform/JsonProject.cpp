@@ -1,6 +1,7 @@
 #include "platform/JsonProject.h"
 
 #include "objectmodel/Errors.h"
+#include "objectmodel/JsonInput.h"
 
 #include <nlohmann/json.hpp>
 
@@ -348,13 +349,7 @@ LoadedDatabase loadJsonProject(const std::filesystem::path& file, const JsonName
 {
     std::ifstream in(file);
     if (!in) throw PlatformError(err::Configuration, "Project file " + file.string() + " cannot be read");
-    json document;
-    try {
-        document = json::parse(in);
-    } catch (const json::parse_error& e) {
-        throw PlatformError(err::Configuration, "Project file " + file.string() + " is not valid JSON: " + e.what());
-    }
-    return readJsonProject(document, file.string(), defaultNames);
+    return readJsonProject(parseJson(in, "Project file " + file.string()), file.string(), defaultNames);
 }
 
 std::filesystem::path sampleProjectPath() { return std::filesystem::path(PIPESPEC_DATA_DIR) / "sample" / "project.json"; }

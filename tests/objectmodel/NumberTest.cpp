@@ -14,14 +14,14 @@ using checks::errorNumber;
 TEST(IsNumeric, AcceptsSignedDecimalsWithExponentAndBlanks)
 {
     for (const char* s : {"0", "007", "-12", "+12", " 12 ", "\t12\t", "1.5", ".5", "5.", "-.5", "1e5", "1E+5", "1e-5",
-                          "1.5E3", "1.e5"})
+                          "1.5E3", "1.e5", "1e-400", "1.7e308", "0.001e310"})
         EXPECT_TRUE(IsNumeric(s)) << '"' << s << '"';
 }
 
-TEST(IsNumeric, RejectsIncompleteOrForeignForms)
+TEST(IsNumeric, RejectsIncompleteOrForeignFormsAndValuesBeyondADouble)
 {
     for (const char* s : {"", "   ", ".", "+", "-", "1e", "1e+", "e5", ".e5", "abc", "12a", "1.2.3", "1 2", "- 1", "++1",
-                          "1,5", "0x10", "1e5.5", "1e5e5", "inf", "nan"})
+                          "1,5", "0x10", "1e5.5", "1e5e5", "inf", "nan", "1e400", "-1e309", "0.0000001e316"})
         EXPECT_FALSE(IsNumeric(s)) << '"' << s << '"';
 }
 

@@ -3,10 +3,13 @@
 
 #include "objectmodel/ExpectError.h"
 #include "platform/JsonProject.h"
+#include "support/TempDirectory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+
+#include <fstream>
 
 namespace pipespec {
 namespace {
@@ -16,6 +19,34 @@ using platform::JsonNameTable;
 using ::testing::HasSubstr;
 
 std::shared_ptr<JsonNameTable> shippedNames() { return JsonNameTable::load(JsonNameTable::shippedPath()); }
+
+// `open` 100,000 times, then `inner`, then as many `close`: deeper than any
+// reader may walk by recursion.
+std::string nested(const std::string& open, const std::string& inner, const std::string& close)
+{
+    constexpr int kDepth = 100'000;
+    std::string text;
+    for (int i = 0; i < kDepth; ++i) text += open;
+    text += inner;
+    for (int i = 0; i < kDepth; ++i) text += close;
+    return text;
+}
+
+// What `load` says of a file holding `text`, or "accepted".
+template <class Load>
+std::string refusalOfFile(const std::string& text, Load load)
+{
+    const support::TempDirectory directory;
+    const auto file = directory / "bad.json";
+    std::ofstream(file) << text;
+    try {
+        load(file);
+    } catch (const PlatformError& e) {
+        EXPECT_EQ(e.number(), err::Configuration);
+        return e.what();
+    }
+    return "accepted";
+}
 
 TEST(JsonProject, SampleProjectLoadsWithLinksOptionsAndNames)
 {
@@ -96,6 +127,13 @@ TEST(JsonProject, BadFilesAreRefusedSayingWhere)
                 HasSubstr("own base object"));
     EXPECT_THAT(refusal(project({{"name", "P"}, {"options", {{"x1", 3}}}})), HasSubstr("no option number"));
 
+    const auto loadProject = [&](const std::filesystem::path& file) { platform::loadJsonProject(file, *defaults); };
+    EXPECT_THAT(refusalOfFile(R"({"format": "pipespec-sample", "version": 1, "appGlobals": {"Big": 1E400}})", loadProject),
+                HasSubstr("bad.json is not valid JSON: [json.exception.out_of_range.406] number overflow"));
+    const auto deep = R"({"format": "pipespec-sample", "version": 1, "projects": [{"name": "P", "roots": [{"name": "@20", "devices": [)" +
+                      nested(R"({"name": "D", "devices": [)", "", "]}") + "]}]}]}";
+    EXPECT_THAT(refusalOfFile(deep, loadProject), HasSubstr("bad.json nests deeper than 512 levels"));
+
     try {
         platform::loadJsonProject("/nonexistent/project.json", *defaults);
         ADD_FAILURE() << "a missing file was read";
@@ -111,6 +149,9 @@ TEST(JsonNameTable, MissingLeavesAndSubTreesAreConfigurationErrors)
     EXPECT_EQ(checks::errorNumber([&] { (void)names->PDMS(); }), err::Configuration);
     EXPECT_EQ(checks::errorNumber([&] { (void)names->Pipe(); }), err::Configuration);
     EXPECT_EQ(checks::errorNumber([&] { JsonNameTable::parse(json{{"GD", 3}}, "inline"); }), err::Configuration);
+    const auto load = [](const std::filesystem::path& file) { JsonNameTable::load(file); };
+    EXPECT_THAT(refusalOfFile(R"({"GD": {"VFCD": 1E400}})", load), HasSubstr("bad.json is not valid JSON"));
+    EXPECT_THAT(refusalOfFile(nested(R"({"GD": )", "{}", "}"), load), HasSubstr("bad.json nests deeper than 512 levels"));
     try {
         (void)names->GD().Selector();
     } catch (const PlatformError& e) {

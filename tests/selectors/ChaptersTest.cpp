@@ -125,6 +125,7 @@ TEST_F(Layout, NewControlGoesUnderTheLowestOfItsColumnAboveTheLimit)
     edit("SEL.A0", "1;5;5;5.5");
     edit("SEL.FAR", "7;8;9;9");        // another column
     edit("SEL.INDENT", "0.5;9;5;9.5");  // left of the model
+    edit("SEL.HUGE", "1;1E400;5;1E400");  // beyond a double: no number, read as 0
     edit("SEL.DTSE", "1;11;5;11.5")->SetControlType("QuorlSUICombo.SUICombo");
     const auto newSpec = edit("SEL.NEW", "");
 

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <charconv>
 #include <string>
 #include <unordered_map>
 #include <variant>
@@ -15,6 +16,9 @@ namespace pipespec::platform::format {
 namespace {
 
 using sqlite::Statement;
+
+// Deeper ownership is refused: the walks over a tree recurse, one level a step.
+constexpr std::size_t kMaxNesting = 256;
 
 std::string selectObjects(std::string_view where)
 {
@@ -58,7 +62,13 @@ private:
     struct Placement {
         std::int64_t owner;
         std::int64_t position;
+        std::int64_t id;
         std::shared_ptr<StoredObject> object;
+    };
+    // Placements sorted by owner, searched for those of one owner.
+    struct OwnerOrder {
+        bool operator()(const Placement& placement, std::int64_t owner) const { return placement.owner < owner; }
+        bool operator()(std::int64_t owner, const Placement& placement) const { return owner < placement.owner; }
     };
 
     [[noreturn]] void damaged(const std::string& what) const
@@ -111,7 +121,10 @@ private:
         highestId_ = std::max(highestId_, static_cast<std::uint64_t>(id));
         objects_.emplace(id, object);
         applyFields(row, *object);
-        if (!top) placements_.push_back({row.integer(Owner), row.integer(Position), object});
+        if (top)
+            tops_.push_back(id);
+        else
+            placements_.push_back({row.integer(Owner), row.integer(Position), id, object});
     }
 
     std::vector<std::string> texts(const Statement& row, Field field) const
@@ -170,17 +183,41 @@ private:
         }
     }
 
+    // Owners go in before their members, level by level down from the tops:
+    // a member joins a tree that stands, and how deep it lies is known.
     void placeObjects()
     {
         std::sort(placements_.begin(), placements_.end(),
                   [](const Placement& a, const Placement& b) { return std::tie(a.owner, a.position) < std::tie(b.owner, b.position); });
-        for (const auto& placement : placements_) {
-            const auto owner = objects_.find(placement.owner);
-            if (owner == objects_.end()) damaged(placement.object->Name() + " belongs to an object that is not there");
-            owner->second->insertMember(placement.object, kLast);
-            if (placement.object->owner() != owner->second)
-                damaged(owner->second->SystemFullName() + " cannot hold " + placement.object->Name());
+        for (const auto& placement : placements_)
+            if (!objects_.contains(placement.owner)) damaged(placement.object->Name() + " belongs to an object that is not there");
+
+        std::size_t placed = 0;
+        auto level = tops_;
+        for (std::size_t depth = 1; !level.empty(); ++depth) level = placeMembers(level, depth, placed);
+        if (placed == placements_.size()) return;
+        // What no level reached hangs in, or below, a circle of owners.
+        const auto lost = std::find_if(placements_.begin(), placements_.end(), [](const Placement& p) { return !p.object->owner(); });
+        damaged("object " + std::to_string(lost->id) + " (" + lost->object->Name() + ") does not lead up to a root: its owners go round in a circle");
+    }
+
+    // Puts in the members of `owners`, which stand `depth` levels below the tops; gives their ids.
+    std::vector<std::int64_t> placeMembers(const std::vector<std::int64_t>& owners, std::size_t depth, std::size_t& placed)
+    {
+        std::vector<std::int64_t> members;
+        for (const auto ownerId : owners) {
+            const auto& owner = objects_.at(ownerId);
+            const auto [first, last] = std::equal_range(placements_.begin(), placements_.end(), ownerId, OwnerOrder{});
+            if (first != last && depth > kMaxNesting)
+                damaged("its objects nest deeper than " + std::to_string(kMaxNesting) + " levels below " + owner->Name());
+            for (auto member = first; member != last; ++member) {
+                owner->insertMember(member->object, kLast);
+                if (member->object->owner() != owner) damaged(owner->SystemFullName() + " cannot hold " + member->object->Name());
+                members.push_back(member->id);
+            }
+            placed += static_cast<std::size_t>(last - first);
         }
+        return members;
     }
 
     ObjectRef stored(std::int64_t id) const
@@ -195,7 +232,10 @@ private:
     {
         const auto digits = link.find_first_not_of("0123456789");
         if (digits == 0 || digits == std::string_view::npos) return nullptr;
-        auto at = stored(std::stoll(std::string(link.substr(0, digits))));
+        std::int64_t id = 0;
+        if (std::from_chars(link.data(), link.data() + digits, id).ec != std::errc())
+            damaged("a link names object " + std::string(link.substr(0, digits)) + ", a number beyond those of objects");
+        auto at = stored(id);
         auto rest = link.substr(digits);
         const auto hash = rest.find('#');
         auto devices = rest.substr(0, hash);
@@ -299,6 +339,7 @@ private:
     const sqlite::Connection& file_;
     Database& database_;
     std::unordered_map<std::int64_t, std::shared_ptr<StoredObject>> objects_;
+    std::vector<std::int64_t> tops_;
     std::vector<Placement> placements_;
     std::vector<PendingLink> links_;
     std::vector<std::shared_ptr<StoredObject>> readOnly_;

@@ -146,7 +146,8 @@ std::string_view Statement::textView(int column) const
 {
     const auto* bytes = sqlite3_column_text(statement_.get(), column);
     const int size = sqlite3_column_bytes(statement_.get(), column);
-    return bytes ? std::string_view(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size)) : std::string_view();
+    // NULL reads as an empty text that points somewhere, as copying it may need.
+    return bytes ? std::string_view(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size)) : std::string_view("");
 }
 
 // ---- Transaction -------------------------------------------------------

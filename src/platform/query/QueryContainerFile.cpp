@@ -1,6 +1,7 @@
 #include "platform/query/QueryContainerFile.h"
 
 #include "objectmodel/Errors.h"
+#include "objectmodel/JsonInput.h"
 #include "platform/query/QueryContainer.h"
 #include "platform/persistence/SqliteFile.h"
 
@@ -188,11 +189,11 @@ public:
         while (rows.step()) {
             const auto device = devices.find(rows.integer(0));
             if (device == devices.end()) continue;
+            const auto what = "Database file " + file.path() + " is damaged: the stored query of " + device->second->SystemFullName();
             try {
-                registerQueryContainer(device->second, storedOf(json::parse(rows.text(1))));
+                registerQueryContainer(device->second, storedOf(parseJson(rows.text(1), what)));
             } catch (const json::exception& e) {
-                throw PlatformError(err::Configuration, "Database file " + file.path() + " is damaged: the stored query of " +
-                                                            device->second->SystemFullName() + " is not readable: " + e.what());
+                throw PlatformError(err::Configuration, what + " is not readable: " + e.what());
             }
         }
     }

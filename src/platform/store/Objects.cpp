@@ -4,6 +4,7 @@
 #include "platform/store/Database.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace pipespec::platform {
 
@@ -30,6 +31,35 @@ std::shared_ptr<T> self(const StoredObject& object)
 {
     return std::static_pointer_cast<T>(std::const_pointer_cast<StoredObject>(object.shared_from_this()));
 }
+
+// Inheritance deeper than this is refused: the walks through what an object
+// inherits recurse, one level a step.
+constexpr std::size_t kMaxInheritanceDepth = 256;
+
+[[noreturn]] void inheritsTooDeep(const StoredObject& holder)
+{
+    throw PlatformError(err::InvalidCall,
+                        holder.SystemFullName() + " inherits through more than " + std::to_string(kMaxInheritanceDepth) + " levels");
+}
+
+[[noreturn]] void inheritsFromItself(const StoredObject& holder)
+{
+    throw PlatformError(err::CycleRefused, holder.SystemFullName() + " is among what it inherits from");
+}
+
+// Sets a field for the length of a check, then puts back what it held.
+template <class T>
+class Tentative {
+public:
+    Tentative(T& field, T value) : field_(field), kept_(std::exchange(field, std::move(value))) {}
+    ~Tentative() { field_ = std::move(kept_); }
+    Tentative(const Tentative&) = delete;
+    Tentative& operator=(const Tentative&) = delete;
+
+private:
+    T& field_;
+    T kept_;
+};
 }  // namespace
 
 // ---- StoredObject ------------------------------------------------------
@@ -314,11 +344,77 @@ void SpecHolder::forgetSpecProxies() const
     if (const auto& members = rare().specs) members->proxies.clear();
 }
 
-bool SpecHolder::inheritsFrom(const SpecHolder& target) const
+// Met again, a holder shows that the walk has gone round a circle, which
+// only a link on trial can have closed: the mark ends the trial. A walk is
+// also kept shallower than any one link may make it, since links made in an
+// order that hides how deep they reach, as a damaged file may hold them, can
+// lead deeper.
+class SpecHolder::Searching {
+public:
+    explicit Searching(const SpecHolder& holder) : holder_(holder)
+    {
+        if (holder.searching_) inheritsFromItself(holder);
+        if (depth_ == kMaxInheritanceDepth) inheritsTooDeep(holder);
+        holder.searching_ = true;
+        ++depth_;
+    }
+    ~Searching()
+    {
+        holder_.searching_ = false;
+        --depth_;
+    }
+    Searching(const Searching&) = delete;
+    Searching& operator=(const Searching&) = delete;
+
+private:
+    const SpecHolder& holder_;
+    // Holders marked now; the store is used from one thread.
+    static inline std::size_t depth_ = 0;
+};
+
+void SpecHolder::refuseInheritanceCircles(const std::string& link) const
 {
-    for (const auto& source : inheritanceSources())
-        if (source.get() == &target || source->inheritsFrom(target)) return true;
-    return false;
+    // A search in depth that goes through what a holder inherits from and
+    // only then leaves it: a holder met again before it is left closes a
+    // circle. Members start searches of their own, as they inherit from
+    // the members of what their holder inherits from.
+    struct Visit {
+        const SpecHolder* holder;
+        std::vector<std::shared_ptr<SpecHolder>> sources;
+        std::size_t next = 0;
+    };
+    std::unordered_map<const SpecHolder*, bool> left;  // false while it is being gone through
+    std::vector<const SpecHolder*> starts{this};
+    std::vector<Visit> path;
+    const auto enter = [&](const SpecHolder& holder) {
+        if (path.size() == kMaxInheritanceDepth) inheritsTooDeep(holder);
+        left.emplace(&holder, false);
+        for (const auto& member : holder.ownSpecs().items()) starts.push_back(member.get());
+        path.push_back({&holder, holder.inheritanceSources()});
+    };
+    try {
+        while (!starts.empty()) {
+            const auto* start = starts.back();
+            starts.pop_back();
+            if (!left.contains(start)) enter(*start);
+            while (!path.empty()) {
+                auto& visit = path.back();
+                if (visit.next == visit.sources.size()) {
+                    left[visit.holder] = true;
+                    path.pop_back();
+                    continue;
+                }
+                const auto& source = *visit.sources[visit.next++];
+                const auto met = left.find(&source);
+                if (met == left.end())
+                    enter(source);
+                else if (!met->second)
+                    inheritsFromItself(source);
+            }
+        }
+    } catch (const PlatformError& e) {
+        throw PlatformError(e.number(), link + ": " + e.what());
+    }
 }
 
 bool SpecHolder::memberNameTaken(const StoredObject& member, std::string_view name) const
@@ -341,6 +437,7 @@ void SpecHolder::attachTo(const std::shared_ptr<StoredObject>& owner, const std:
 std::shared_ptr<Specification> SpecHolder::effectiveSpec(std::string_view name) const
 {
     if (auto own = ownSpecs().find(name)) return own;
+    const Searching searching(*this);
     for (const auto& source : inheritanceSources())
         if (auto found = source->effectiveSpec(name)) return found;
     return nullptr;
@@ -373,6 +470,7 @@ SpecRef SpecHolder::Spec(std::string_view name) const
 
 std::vector<ObjectRef> SpecHolder::allSpecs() const
 {
+    const Searching searching(*this);
     std::vector<ObjectRef> all;
     std::unordered_map<std::string, bool> seen;
     for (const auto& own : ownSpecs().items()) {
@@ -528,10 +626,17 @@ void Device::SetCDevice(const DeviceRef& base)
 {
     auto next = std::dynamic_pointer_cast<Device>(base);
     if (base && !next) throw PlatformError(err::InvalidCall, "the base object of " + SystemFullName() + " must be a device of this database");
-    for (auto step = next; step; step = step->cdevice_)
+    std::size_t depth = 0;
+    for (auto step = next; step; step = step->cdevice_) {
         if (step.get() == this)
             throw PlatformError(err::CycleRefused, "linking " + SystemFullName() + " to " + base->SystemFullName() +
                                                        " would make it its own base object");
+        if (++depth == kMaxInheritanceDepth) inheritsTooDeep(*this);
+    }
+    if (next) {
+        const Tentative linked(cdevice_, next);
+        next->refuseInheritanceCircles("linking " + SystemFullName() + " to " + base->SystemFullName() + " would close a circle");
+    }
     assign(cdevice_, next, "CDevice");
     childProxies_.clear();
     forgetSpecProxies();
@@ -556,6 +661,7 @@ std::vector<std::shared_ptr<SpecHolder>> Device::inheritanceSources() const
 std::shared_ptr<Device> Device::effectiveChild(std::string_view name) const
 {
     if (auto own = children_.find(name)) return own;
+    const Searching searching(*this);
     return cdevice_ ? cdevice_->effectiveChild(name) : nullptr;
 }
 
@@ -572,6 +678,7 @@ std::vector<ObjectRef> Device::allChildren() const
 {
     std::vector<ObjectRef> all(children_.items().begin(), children_.items().end());
     if (!cdevice_) return all;
+    const Searching searching(*this);
     for (const auto& inherited : cdevice_->allChildren()) {
         const auto name = inherited->Name();
         if (!children_.contains(name)) all.push_back(childDevice(name));
@@ -819,9 +926,10 @@ void Specification::InheritFrom(const SpecRef& chapter)
 {
     auto next = std::dynamic_pointer_cast<Specification>(chapter);
     if (chapter && !next) throw PlatformError(err::InvalidCall, SystemFullName() + " can inherit only from a chapter of this database");
-    if (next && (next.get() == this || next->inheritsFrom(*this)))
-        throw PlatformError(err::CycleRefused, SystemFullName() + " cannot inherit from " + chapter->SystemFullName() +
-                                                   ": the chapter would inherit from itself");
+    if (next) {
+        const Tentative linked(editExtras().inheritedChapter, next);
+        next->refuseInheritanceCircles(SystemFullName() + " cannot inherit from " + chapter->SystemFullName());
+    }
     assign(editExtras().inheritedChapter, next, "InheritedChapter");
     forgetSpecProxies();
 }

@@ -212,6 +212,9 @@ protected:
     bool folder_ : 1 = false;
     bool readOnly_ : 1 = false;
     bool deleted_ : 1 = false;
+    // Set while a search for an inherited attribute goes through what this
+    // holder inherits from: met again, the search has gone round a circle.
+    mutable bool searching_ : 1 = false;
 };
 
 // Something that holds attributes: a device, or a chapter.
@@ -230,8 +233,12 @@ public:
 
     void addSpec(const std::shared_ptr<Specification>& spec, std::size_t at);
     std::shared_ptr<Specification> createSpec(std::string_view name);
-    // Whether `target` is among what this holder inherits from, at any depth.
-    bool inheritsFrom(const SpecHolder& target) const;
+    // Refuses, with the description led by `link`, if anything this holder
+    // reaches through what it inherits from and what it holds inherits from
+    // itself (CycleRefused) or through too many levels (InvalidCall). Run
+    // with a new link to this holder in place: every circle the link closes
+    // passes through what the holder reaches.
+    void refuseInheritanceCircles(const std::string& link) const;
 
     // What this holder inherits from, nearest first.
     virtual std::vector<std::shared_ptr<SpecHolder>> inheritanceSources() const = 0;
@@ -250,6 +257,8 @@ protected:
 
     SpecMembers& specMembers() const;
     void forgetSpecProxies() const;
+    // Marks a holder while a walk goes through what it inherits from.
+    class Searching;
 };
 
 class Device final : public SpecHolder, public IDevice {

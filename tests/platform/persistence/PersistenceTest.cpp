@@ -328,6 +328,48 @@ TEST_F(PersistenceTest, AFileThatIsNotOursTooNewOrDamagedIsRefusedAndLeftAsItWas
         .exec(R"(UPDATE query_containers SET stored = '{"columns": [], "filters": []}')");
     EXPECT_EQ(refused(badQuery), err::Configuration);
 
+    // Damage done with SQL to copies of a good file: each is refused naming the file.
+    const auto damagedBy = [&](const std::string& name, const std::string& sql) {
+        const auto copy = directory / name;
+        std::filesystem::copy_file(file, copy);
+        platform::sqlite::Connection::open(copy, platform::sqlite::Connection::Mode::ReadWrite).exec(sql);
+        const auto before = bytesOf(copy);
+        try {
+            ProjectFile::open(copy);
+        } catch (const PlatformError& e) {
+            EXPECT_EQ(e.number(), err::Configuration) << name;
+            EXPECT_EQ(bytesOf(copy), before) << name;
+            return std::string(e.what());
+        }
+        return std::string("accepted");
+    };
+    const std::string firstDevice = "(SELECT min(id) FROM objects WHERE kind = 2)";
+    const std::string lastDevice = "(SELECT max(id) FROM objects WHERE kind = 2)";
+    EXPECT_THAT(damagedBy("self.pspec", "UPDATE objects SET owner = id WHERE id = " + firstDevice),
+                HasSubstr("self.pspec is damaged: object"));
+    EXPECT_THAT(damagedBy("circle.pspec", "UPDATE objects SET owner = " + lastDevice + " WHERE id = " + firstDevice + ";" +
+                                              "UPDATE objects SET owner = " + firstDevice + " WHERE id = " + lastDevice),
+                HasSubstr("its owners go round in a circle"));
+    EXPECT_THAT(damagedBy("deep.pspec", "WITH RECURSIVE chain(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM chain WHERE n < 100000) "
+                                        "INSERT INTO objects(name, id, kind, project, owner, position) "
+                                        "SELECT 'D' || n, 10000000 + n, 2, 'PLANT', 10000000 + n - 1, 0 FROM chain;"
+                                        "UPDATE objects SET owner = " + firstDevice + " WHERE id = 10000001"),
+                HasSubstr("deep.pspec is damaged: its objects nest deeper than 256 levels"));
+    EXPECT_THAT(damagedBy("link.pspec", "UPDATE objects SET link = '99999999999999999999|001#GD.X' WHERE kind = 3"),
+                HasSubstr("link.pspec is damaged: a link names object 99999999999999999999"));
+    std::string deepQuery = R"({"columns": [], "filters": [], "sorts": [], "objectSet": )";
+    for (int i = 0; i < 100'000; ++i) deepQuery += R"({"name": "N", "kind": "", "values": {}, "children": [)";
+    deepQuery += R"({"name": "N", "kind": "", "values": {}, "children": []})";
+    for (int i = 0; i < 100'000; ++i) deepQuery += "]}";
+    EXPECT_THAT(damagedBy("query.pspec", "UPDATE query_containers SET stored = '" + deepQuery + "}'"),
+                HasSubstr("nests deeper than 512 levels"));
+    // A row without a value is not damaged: it reads as an empty value.
+    const auto noValue = directory / "no-value.pspec";
+    std::filesystem::copy_file(file, noValue);
+    platform::sqlite::Connection::open(noValue, platform::sqlite::Connection::Mode::ReadWrite).exec("UPDATE objects SET value = NULL WHERE kind = 5");
+    const auto opened = ProjectFile::open(noValue);
+    EXPECT_EQ(must(must(opened.database()->project("BASE")->tableRoot()->child("DN")).row("50")).Value(), "");
+
     const auto damaged = directory / "damaged.pspec";
     auto bytes = bytesOf(file);
     ASSERT_GT(bytes.size(), 3 * 4096u);

@@ -188,6 +188,50 @@ TEST(Inheritance, LinksThatWouldCloseACycleAreRefusedAndChangeNothing)
     // that chapter cannot inherit back.
     EXPECT_EQ(errorNumber([&] { chain.kind->Spec("GD")->InheritFrom(chain.user->Spec("GD")); }), err::CycleRefused);
     EXPECT_EQ(chain.kind->Spec("GD")->InheritedChapter(), nullptr);
+
+    // Either kind of link may close the circle, whichever comes first: the
+    // base object would hand FIRST's GD to SECOND's GD, which FIRST's GD
+    // inherits from; also through a device below the one linked, and one
+    // level down, where an attribute inherits what its chapter inherits.
+    EXPECT_EQ(errorNumber([&] { second->SetCDevice(first); }), err::CycleRefused);
+    EXPECT_EQ(second->CDevice(), nullptr);
+    const auto upper = world.device(chain.catalogue, "UPPER", {{"GD.X", "x"}});
+    const auto middle = world.device(chain.catalogue, "MIDDLE");
+    const auto lower = world.device(chain.catalogue, "LOWER", {{"GD.Y", "y"}});
+    lower->SetCDevice(middle);
+    upper->Spec("GD")->InheritFrom(lower->Spec("GD"));
+    EXPECT_EQ(errorNumber([&] { middle->SetCDevice(upper); }), err::CycleRefused);
+    EXPECT_EQ(middle->CDevice(), nullptr);
+    const auto third = world.device(chain.catalogue, "THIRD", {{"GD.A", "3"}});
+    third->Spec("GD.A")->InheritFrom(first->Spec("GD.A"));
+    EXPECT_EQ(errorNumber([&] { first->Spec("GD")->InheritFrom(third->Spec("GD")); }), err::CycleRefused);
+    EXPECT_EQ(first->Spec("GD")->InheritedChapter(), second->Spec("GD"));
+
+    middle->SetCDevice(chain.kind);
+    EXPECT_EQ(upper->Spec("GD.VFCD")->Value(), "10100") << "a link that closes no circle is taken";
+}
+
+TEST(Inheritance, ChainsDeeperThanAWalkMayGoAreRefused)
+{
+    const World world;
+    const auto catalogue = world.device(world.root(world.base(), "@40"), "CAT");
+    const auto devices = [&](const std::string& prefix) {
+        std::vector<DeviceRef> made;
+        for (int i = 0; i < 300; ++i) made.push_back(world.device(catalogue, prefix + std::to_string(i)));
+        world.attribute(made.back(), "GD.LAST", "last");
+        return made;
+    };
+
+    // Linked from the top down, the chain is refused once it grows too deep.
+    const auto topDown = devices("T");
+    long refused = 0;
+    for (auto i = topDown.size() - 1; i > 0 && !refused; --i) refused = errorNumber([&] { topDown[i - 1]->SetCDevice(topDown[i]); });
+    EXPECT_EQ(refused, err::InvalidCall);
+    // Linked from the bottom up, each link looks short; a walk down the whole
+    // chain stops with an error instead of going on.
+    const auto bottomUp = devices("B");
+    for (std::size_t i = 0; i + 1 < bottomUp.size(); ++i) bottomUp[i]->SetCDevice(bottomUp[i + 1]);
+    EXPECT_EQ(errorNumber([&] { (void)bottomUp.front()->Spec("GD.LAST"); }), err::InvalidCall);
 }
 
 TEST(ReadOnly, WritesToReadOnlyObjectsAreRefusedAndChangeNothing)
