@@ -9,7 +9,10 @@
 #include "cli/DatabaseFile.h"
 #include "diagnostics/HeadlessHost.h"
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -18,6 +21,11 @@ namespace pipespec::cli {
 // The options every subcommand takes besides its own.
 inline const std::vector<std::string> kCommonFlags{"--json"};
 inline const std::vector<std::string> kCommonOptions{"--db", "--lang"};
+
+// Prints a report as JSON. A text that is not UTF-8, such as a file name,
+// shows replacement characters instead of failing the output, which comes
+// after a save: a run that saved reports it as saved.
+void printJson(const nlohmann::json& report, std::ostream& out);
 
 class Session {
 public:
