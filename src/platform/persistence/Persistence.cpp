@@ -47,10 +47,18 @@ void configureForWriting(const sqlite::Connection& file)
 // kill to make hot (a reader could not open the file until a writer rolled
 // it back) and needs no new space: on a full disk the file still goes back
 // to the mode that a reader opens without making files of its own.
-void switchJournal(const sqlite::Connection& file, std::string_view mode)
+// `mode` as SQLite names it: "wal", "delete".
+void switchJournal(const sqlite::Connection& file, const std::string& mode)
 {
     file.exec("PRAGMA journal_mode = MEMORY");
-    file.exec("PRAGMA journal_mode = " + std::string(mode));
+    try {
+        if (file.text("PRAGMA journal_mode = " + mode) == mode) return;
+        throw PlatformError(err::FileAccess, "Database file " + file.path() + " cannot be given a " + mode + " journal");
+    } catch (const PlatformError&) {
+        // Never left with the journal in memory, which a kill during a write would not survive.
+        file.exec("PRAGMA journal_mode = DELETE");
+        throw;
+    }
 }
 
 // Ours, of a version we read; anything else is refused before any write.
@@ -113,15 +121,13 @@ struct ProjectFile::State {
     }
 
     // A session that wrote leaves the file one file again, which a reader
-    // without write access to its folder can open, or with a disk that is
-    // full: the log's index beside the file, which SQLite makes anew for a
-    // file in the log, takes space. The switch is made by a connection of
-    // its own, once this one has let go of the file, in exclusive locking
-    // mode, which keeps the index in its memory: the index beside the file
-    // may be what a full disk kept from being made. Another session still on
-    // the file keeps it in the log until the last one closes; that one is
-    // not waited for, a destructor cannot report the refusal, nor is anything
-    // lost by it.
+    // opens without making files beside it: without write access to the
+    // folder, or on a full disk. The switch is made once this connection
+    // has let go, by one in exclusive locking mode, which keeps the log's
+    // index in its own memory: the index beside the file may be what a full
+    // disk kept from being made. Another session still on the file keeps it
+    // in the log until the last one closes; that one is not waited for, a
+    // destructor cannot report the refusal, nor is anything lost by it.
     ~State()
     {
         if (!logging) return;
@@ -132,7 +138,7 @@ struct ProjectFile::State {
             const auto last = sqlite::Connection::open(path, sqlite::Connection::Mode::ReadWrite);
             last.setPatience(std::chrono::milliseconds(0));
             last.exec("PRAGMA locking_mode = EXCLUSIVE");
-            switchJournal(last, "DELETE");
+            switchJournal(last, "delete");
             // Under the exclusive lock no one reads by the index: what a
             // full disk left of it goes.
             std::error_code ignored;
@@ -162,7 +168,7 @@ struct ProjectFile::State {
     // Puts the file in the log (see configureForWriting) before the first write.
     void enterLog()
     {
-        if (!logging && file.text("PRAGMA journal_mode") != "wal") switchJournal(file, "WAL");
+        if (!logging && file.text("PRAGMA journal_mode") != "wal") switchJournal(file, "wal");
         logging = true;
     }
 

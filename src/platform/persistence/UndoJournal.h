@@ -33,9 +33,8 @@ public:
 
     // Creates the journal's tables in a file that lacks them.
     static void createTables(const sqlite::Connection& file);
-    // Creates the journal's tables in a file that lacks them, and the
-    // triggers that record while a step is open. The file must be writable
-    // and outlive the journal.
+    // Creates the tables as createTables does, and the triggers that record
+    // while a step is open. The file must be writable and outlive the journal.
     explicit UndoJournal(const sqlite::Connection& file);
     UndoJournal(const UndoJournal&) = delete;
     UndoJournal& operator=(const UndoJournal&) = delete;
