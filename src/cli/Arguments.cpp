@@ -31,11 +31,12 @@ void Arguments::accept(const Spec& spec)
     for (size_t i = 0; i < words_.size(); ++i) {
         const auto& word = words_[i];
         if (word.rfind("--", 0) != 0) {
+            if (!spec.words) throw UsageError("'" + command_ + "' takes no words besides its options: '" + word + "'");
             positional_.push_back(word);
         } else if (contains(spec.flags, word)) {
             flags_.insert(word);
         } else if (contains(spec.options, word)) {
-            if (i + 1 >= words_.size()) throw UsageError(word + " needs a value");
+            if (i + 1 >= words_.size() || words_[i + 1].empty()) throw UsageError(word + " needs a value");
             options_[word] = words_[++i];
         } else {
             throw UsageError("unknown option " + word + " for '" + command_ + "'");

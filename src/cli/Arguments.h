@@ -30,6 +30,7 @@ public:
     struct Spec {
         std::vector<std::string> flags;    // options without a value, e.g. "--json"
         std::vector<std::string> options;  // options with a value, e.g. "--class"
+        bool words = false;                // takes words besides its options, e.g. components
     };
 
     // The first word is the command; "--help" alone or with a command is recognised.
@@ -38,7 +39,8 @@ public:
     const std::string& command() const { return command_; }
     bool wantsHelp() const { return help_; }
 
-    // Checks the words after the command against what the command accepts.
+    // Checks the words after the command against what the command accepts;
+    // an option's value may not be empty.
     void accept(const Spec& spec);
 
     bool flag(const std::string& name) const { return flags_.count(name) != 0; }

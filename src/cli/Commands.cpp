@@ -26,9 +26,11 @@ std::vector<std::string> with(std::vector<std::string> own, const std::vector<st
     return own;
 }
 
-Arguments::Spec accepting(std::vector<std::string> flags, std::vector<std::string> options)
+constexpr bool kTakesComponents = true;
+
+Arguments::Spec accepting(std::vector<std::string> flags, std::vector<std::string> options, bool words = false)
 {
-    return {with(std::move(flags), kCommonFlags), with(std::move(options), kCommonOptions)};
+    return {with(std::move(flags), kCommonFlags), with(std::move(options), kCommonOptions), words};
 }
 
 // What the logic said on the way besides its results: the boxes it showed,
@@ -116,7 +118,7 @@ int runValidate(const Arguments& args, std::ostream& out)
     }
 
     if (args.flag("--json")) {
-        out << report.dump(2) << "\n";
+        printJson(report, out);
         return exitcode::Success;
     }
     out << "Pipe class " << report["pipeClass"].get<std::string>() << "\n";
@@ -257,7 +259,7 @@ int runAdd(const Arguments& args, std::ostream& out)
     keepChanges(session, dryRun, report);
 
     if (args.flag("--json")) {
-        out << report.dump(2) << "\n";
+        printJson(report, out);
     } else {
         out << "Pipe class " << report["pipeClass"].get<std::string>() << "\n";
         for (const auto& e : report["elements"]) {
@@ -317,7 +319,7 @@ int runQuestions(const Arguments& args, std::ostream& out)
     report.update(whatWasSaid(session.host(), session.tracer(), args.flag("--trace")));
 
     if (args.flag("--json")) {
-        out << report.dump(2) << "\n";
+        printJson(report, out);
     } else {
         out << "Pipe class " << report["pipeClass"].get<std::string>() << "\n";
         if (report.contains("made")) out << "  made " << report["made"].get<std::string>() << "\n";
@@ -409,7 +411,7 @@ int runSelectors(const Arguments& args, std::ostream& out)
     if (root) report["tree"] = selectorOutline(root);
 
     if (args.flag("--json")) {
-        out << report.dump(2) << "\n";
+        printJson(report, out);
     } else if (root) {
         out << "Selectors of " << report["pipeClass"].get<std::string>() << "\n";
         printOutline(report["tree"], out);
@@ -472,7 +474,7 @@ int runInfo(const Arguments& args, std::ostream& out)
         report["pipeClasses"].push_back({{"pipeClass", pipeClass->SystemFullName()}, {"elements", elementsOf(pipeClass).size()}});
 
     if (args.flag("--json")) {
-        out << report.dump(2) << "\n";
+        printJson(report, out);
         return exitcode::Success;
     }
     out << report["file"].get<std::string>() << " (" << report["format"].get<std::string>() << ")\n"
@@ -521,7 +523,7 @@ int runExport(const Arguments& args, std::ostream& out)
     }
     if (const auto root = asDevice(pipeClass->Devices()->Item(diagnostics::names().SelectorRoot())))
         report["selectors"] = selectorOutline(root);
-    out << report.dump(2) << "\n";
+    printJson(report, out);
     return exitcode::Success;
 }
 
@@ -544,7 +546,7 @@ int runSave(const Arguments& args, std::ostream& out)
     }
 
     if (args.flag("--json"))
-        out << report.dump(2) << "\n";
+        printJson(report, out);
     else if (target)
         out << "Saved the database to " << *target << "\n";
     else
@@ -563,10 +565,10 @@ const std::vector<CommandInfo>& commands()
          "validate --class <pipe class> [--json] [--db FILE] [--lang en|de]", accepting({}, {"--class"}), runValidate, "check"},
         {"add", "make elements of a pipe class from catalogue components and save them",
          "add --class <pipe class> [--duplicates yes|no] [--choose <answer>|cancel|ask] [--dry-run] [--trace] [--json] [--db FILE] [--lang en|de] <component>...",
-         accepting({"--trace", "--dry-run"}, {"--class", "--duplicates", "--choose"}), runAdd},
+         accepting({"--trace", "--dry-run"}, {"--class", "--duplicates", "--choose"}, kTakesComponents), runAdd},
         {"questions", "walk a component down the selector tree of a pipe class and list its questions, top first (never saves)",
          "questions --class <pipe class> [--choose <answer>|cancel|ask] [--trace] [--json] [--db FILE] [--lang en|de] <component>",
-         accepting({"--trace"}, {"--class", "--choose"}), runQuestions},
+         accepting({"--trace"}, {"--class", "--choose"}, kTakesComponents), runQuestions},
         {"selectors", "show the selector tree of a pipe class with questions, answers and types",
          "selectors --class <pipe class> [--json] [--db FILE] [--lang en|de]", accepting({}, {"--class"}), runSelectors},
         {"export", "print one pipe class as JSON: attributes with values, elements with ranges, selector tree",

@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <system_error>
 
 namespace pipespec::cli {
 
@@ -56,6 +57,10 @@ DatabaseFile::DatabaseFile(fs::path path, std::optional<ProjectFile> file, platf
 
 DatabaseFile DatabaseFile::open(const fs::path& path, Use use, const platform::JsonNameTable& defaultNames, std::ostream& notes)
 {
+    // A pipe or a device would block the first read for ever.
+    std::error_code ignored;
+    if (const auto status = fs::status(path, ignored); fs::exists(status) && !fs::is_regular_file(status))
+        throw PlatformError(err::FileAccess, "Database file " + path.string() + " is not a regular file");
     if (isJsonProjectPath(path)) {
         return DatabaseFile(path, std::nullopt, platform::loadJsonProject(path, defaultNames));
     }

@@ -3,9 +3,12 @@
 #include "diagnostics/ServiceRegistry.h"
 #include "elements/AddToPipeClass.h"
 
+#include <nlohmann/json.hpp>
+
 #include <filesystem>
 #include <functional>
 #include <iostream>
+#include <set>
 
 namespace pipespec::cli {
 
@@ -23,14 +26,25 @@ void collect(const DeviceRef& device, const std::function<bool(const DeviceRef&)
     }
 }
 
+// German, which the literals carry themselves, and each language shipped as a table.
+std::set<std::string> languages()
+{
+    std::set<std::string> names{"de"};
+    for (const auto& table : std::filesystem::directory_iterator(diagnostics::LanguageTable::shippedPath("en").parent_path()))
+        if (table.path().extension() == ".json") names.insert(table.path().stem().string());
+    return names;
+}
+
 diagnostics::LanguageTable languageOf(const Arguments& args)
 {
     const auto language = args.option("--lang").value_or("en");
-    // The literals carry the German texts themselves.
     if (language == "de") return {};
-    const auto file = diagnostics::LanguageTable::shippedPath(language);
-    if (!std::filesystem::exists(file)) throw UsageError("no messages in language '" + language + "' (en, de)");
-    return diagnostics::LanguageTable::load(file);
+    if (const auto known = languages(); !known.count(language)) {
+        std::string list;
+        for (const auto& name : known) list += (list.empty() ? "" : ", ") + name;
+        throw UsageError("no messages in language '" + language + "' (" + list + ")");
+    }
+    return diagnostics::LanguageTable::load(diagnostics::LanguageTable::shippedPath(language));
 }
 
 // The project and its base projects, nearest first.
@@ -53,6 +67,11 @@ DatabaseFile openDatabase(const Arguments& args, DatabaseFile::Use use)
     return DatabaseFile::open(path, use, *defaultNames, std::cerr);
 }
 }  // namespace
+
+void printJson(const nlohmann::json& report, std::ostream& out)
+{
+    out << report.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
+}
 
 // The language is checked first: a usage error must not make a database.
 Session::Session(const Arguments& args, DatabaseFile::Use use) : Session(languageOf(args), args, use) {}

@@ -10,7 +10,10 @@
 #include "diagnostics/HeadlessHost.h"
 #include "objectmodel/TextHash.h"
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -19,6 +22,11 @@ namespace pipespec::cli {
 // The options every subcommand takes besides its own.
 inline const std::vector<std::string> kCommonFlags{"--json"};
 inline const std::vector<std::string> kCommonOptions{"--db", "--lang"};
+
+// Prints a report as JSON. A text that is not UTF-8, such as a file name,
+// shows replacement characters instead of failing the output, which comes
+// after a save: a run that saved reports it as saved.
+void printJson(const nlohmann::json& report, std::ostream& out);
 
 class Session {
 public:

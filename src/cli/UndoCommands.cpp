@@ -33,7 +33,7 @@ int takeStep(const Arguments& args, std::ostream& out, const Direction& directio
                          {"undoSteps", file.undoSteps()},
                          {"redoSteps", file.redoSteps()}};
     if (args.flag("--json"))
-        out << report.dump(2) << "\n";
+        printJson(report, out);
     else if (taken)
         out << file.path().string() << ": the last step is " << direction.done << "; " << file.undoSteps() << " to undo, "
             << file.redoSteps() << " to redo.\n";

@@ -24,6 +24,7 @@ inline constexpr long NameInUse = 1003;     // sibling with that name exists
 inline constexpr long Deleted = 1004;       // operation on a deleted object
 inline constexpr long Configuration = 1005; // name table or data file incomplete
 inline constexpr long FileAccess = 1006;    // database file cannot be read or written (disk, lock)
+inline constexpr long FileChanged = 1007;   // database file was saved by another session since it was read
 inline constexpr long Internal = 51;
 }  // namespace err
 

@@ -35,8 +35,11 @@ lacks() {
     printf '%s' "$out" | grep -qF -- "$2" && fail "$1: output has '$2'; output: $out"
 }
 
+# What a file holds and when it was last written: a run that changes nothing
+# leaves both.
 checksum() {
     cksum < "$1"
+    stat -c %y "$1"
 }
 
 # The first run makes the user's database from the sample project; later runs open it.
@@ -63,6 +66,10 @@ expect 2 "not a pipe class" -- "$pipespec" check --class "BASE:@40|CAT|FLANGES|F
 expect 3 "missing database" -- "$pipespec" check --class PC-A1-DIN --db /nonexistent/db.json
 contains "missing database" "cannot be read"
 expect 2 "unknown language" -- "$pipespec" check --class PC-A1-DIN --lang xx
+expect 2 "a language that is no name" -- "$pipespec" info --lang ../en
+expect 2 "an empty database name" -- "$pipespec" info --db ''
+expect 2 "a stray word" -- "$pipespec" info stray
+contains "a stray word" "'info' takes no words besides its options: 'stray'"
 expect 0 "check help" -- "$pipespec" check --help
 contains "check help" "--class"
 expect 0 "validate help" -- "$pipespec" validate --help
@@ -170,8 +177,10 @@ expect 0 "undo" -- "$pipespec" undo --db "$steps"
 contains "undo" "the last step is undone; 0 to undo, 1 to redo"
 expect 0 "after undo" -- "$pipespec" info --db "$steps"
 contains "after undo" "PLANT:@20|PIPECLASSES|PC-A1-DIN  0 elements"
+before=$(checksum "$steps")
 expect 1 "nothing left to undo" -- "$pipespec" undo --db "$steps"
 contains "nothing left to undo" "Nothing to undo in $steps"
+[ "$(checksum "$steps")" = "$before" ] || fail "undo with nothing to undo changed the file"
 expect 0 "redo" -- "$pipespec" redo --db "$steps" --json
 contains "redo" '"redone": true'
 expect 0 "after redo" -- "$pipespec" info --db "$steps"
@@ -188,6 +197,31 @@ expect 3 "undo on a write-protected file" -- "$pipespec" undo --db "$steps"
 chmod u+w "$steps"
 expect 3 "undo on a JSON project" -- "$pipespec" undo --db "$sample"
 contains "undo on a JSON project" "nothing is undone"
+
+# A run that read the file before another one saved is refused when it comes
+# to save, and the other's save stays.
+shared="$tmp/shared.pspec"
+expect 0 "a shared file" -- "$pipespec" info --db "$shared"
+mkfifo "$tmp/answer"
+"$pipespec" add --class PC-B2-E3D FL-WN-PN16 --choose ask --db "$shared" < "$tmp/answer" > "$tmp/asking" 2>&1 &
+asking=$!
+exec 7> "$tmp/answer"
+waited=0
+until grep -q "Answer" "$tmp/asking" || [ "$waited" -ge 200 ]; do
+    sleep 0.1
+    waited=$((waited + 1))
+done
+expect 0 "a run that saves meanwhile" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN16 --db "$shared"
+echo 1 >&7
+exec 7>&-
+wait "$asking"
+got=$?
+out=$(cat "$tmp/asking")
+[ "$got" -eq 3 ] || fail "the run that was asking: exit $got, expected 3; output: $out"
+contains "the run that was asking" "was changed by someone else since this session read it; nothing is saved"
+expect 0 "after both runs" -- "$pipespec" info --db "$shared"
+contains "after both runs" "PC-A1-DIN  1 elements"
+contains "after both runs" "PC-B2-E3D  0 elements"
 
 # A JSON project is read, never written; save --as makes a database file of it.
 before=$(checksum "$sample")
@@ -207,6 +241,12 @@ before=$(checksum "$tmp/foreign.pspec")
 expect 3 "a foreign file" -- "$pipespec" add --class PC-A1-DIN FL-WN-PN16 --db "$tmp/foreign.pspec"
 [ "$(checksum "$tmp/foreign.pspec")" = "$before" ] || fail "a foreign file was changed"
 expect 3 "a missing folder" -- "$pipespec" info --db "$tmp/no/such/folder.pspec"
+mkfifo "$tmp/pipe.pspec"
+expect 3 "a pipe" -- timeout 10 "$pipespec" info --db "$tmp/pipe.pspec"
+contains "a pipe" "is not a regular file"
+odd="$tmp/$(printf 'odd\377').pspec"
+expect 0 "a file name that is not UTF-8" -- "$pipespec" add --json --class PC-A1-DIN FL-WN-PN16 --db "$odd"
+contains "a file name that is not UTF-8" '"saved": true'
 cp "$db" "$tmp/protected.pspec"
 chmod a-w "$tmp/protected.pspec"
 before=$(checksum "$tmp/protected.pspec")

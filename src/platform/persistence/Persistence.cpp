@@ -7,41 +7,11 @@
 #include "platform/persistence/SqliteFile.h"
 
 #include <optional>
+#include <random>
 #include <system_error>
 #include <vector>
 
 namespace pipespec::platform {
-
-struct ProjectFile::State {
-    State(sqlite::Connection connection, std::shared_ptr<Database> kept, std::string overrides,
-          std::vector<std::unique_ptr<FileSection>> kinds)
-        : file(std::move(connection)), database(std::move(kept)), nameOverrides(std::move(overrides)), sections(std::move(kinds))
-    {
-        if (!file.readOnly()) journal.emplace(file);
-    }
-
-    // A closed database is one file again, which a reader without write
-    // access to its folder can open. Another connection still on the file
-    // keeps it in log mode until the last one closes; a destructor cannot
-    // report that, nor is anything lost by it.
-    ~State()
-    {
-        if (!journal) return;
-        try {
-            file.exec("PRAGMA journal_mode = DELETE");
-        } catch (const PlatformError&) {
-        }
-    }
-    State(const State&) = delete;
-    State& operator=(const State&) = delete;
-
-    sqlite::Connection file;
-    std::shared_ptr<Database> database;
-    std::string nameOverrides;
-    std::vector<std::unique_ptr<FileSection>> sections;
-    // None for a file that may not be written.
-    std::optional<format::UndoJournal> journal;
-};
 
 namespace {
 
@@ -50,25 +20,45 @@ namespace {
 // new file takes it; an older one keeps its page size.
 void configureNew(const sqlite::Connection& file)
 {
-    file.exec("PRAGMA page_size = " + std::to_string(format::kPageSize) + "; PRAGMA synchronous = FULL");
+    file.exec("PRAGMA page_size = " + std::to_string(format::kPageSize) + "; PRAGMA journal_mode = MEMORY; PRAGMA synchronous = FULL");
 }
 
-// While a file is open for writing, a save appends the pages it changed to a
-// log beside the file (write-ahead logging) and syncs once, instead of
-// copying every page to a rollback journal before changing it in place. The
-// log is folded into the file when it passes kLogPages and when the file is
-// closed. Full syncs make a save hold across a power cut; a kill during one
-// leaves the last complete save, which the log gives back at the next open.
-// The page cache holds the pages of a large save, so that none of them is
-// written to the log before the commit and again with it.
+// A closed database is one file with a rollback journal in its header. The
+// first write of a session switches it to write-ahead logging: a save
+// appends the pages it changed to a log beside the file and syncs once,
+// instead of copying every page to a rollback journal before changing it in
+// place. The log is folded into the file when it passes kLogPages and when
+// the session ends, which switches the file back. Full syncs make a save
+// hold across a power cut; a kill during one leaves the last complete save,
+// which the log gives back at the next open. The page cache holds the pages
+// of a large save, so that none of them is written to the log before the
+// commit and again with it.
 constexpr int kLogPages = 65536;
 constexpr int kCacheKiB = 65536;
 
 void configureForWriting(const sqlite::Connection& file)
 {
-    if (file.readOnly()) return;
-    file.exec("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA cache_size = -" + std::to_string(kCacheKiB) +
+    file.exec("PRAGMA synchronous = FULL; PRAGMA cache_size = -" + std::to_string(kCacheKiB) +
               "; PRAGMA wal_autocheckpoint = " + std::to_string(kLogPages));
+}
+
+// A switch rewrites the mode in the file's first page. It goes by way of a
+// journal in memory, which leaves no journal file beside the database for a
+// kill to make hot (a reader could not open the file until a writer rolled
+// it back) and needs no new space: on a full disk the file still goes back
+// to the mode that a reader opens without making files of its own.
+// `mode` as SQLite names it: "wal", "delete".
+void switchJournal(const sqlite::Connection& file, const std::string& mode)
+{
+    file.exec("PRAGMA journal_mode = MEMORY");
+    try {
+        if (file.text("PRAGMA journal_mode = " + mode) == mode) return;
+        throw PlatformError(err::FileAccess, "Database file " + file.path() + " cannot be given a " + mode + " journal");
+    } catch (const PlatformError&) {
+        // Never left with the journal in memory, which a kill during a write would not survive.
+        file.exec("PRAGMA journal_mode = DELETE");
+        throw;
+    }
 }
 
 // Ours, of a version we read; anything else is refused before any write.
@@ -93,7 +83,115 @@ std::vector<std::unique_ptr<FileSection>> standardSections()
     return sections;
 }
 
+// A new file is written under a name of its own beside the target and given
+// the target's name only when complete, so that no one ever opens half a
+// file: a kill on the way leaves the draft, never a damaged database.
+std::filesystem::path draftOf(const std::filesystem::path& path)
+{
+    std::random_device random;
+    return path.string() + ".new-" + std::to_string(random());
+}
+
+// Gives the draft the target's name unless that exists by now.
+void publish(const std::filesystem::path& draft, const std::filesystem::path& path)
+{
+    std::error_code failed;
+    std::filesystem::create_hard_link(draft, path, failed);
+    if (failed == std::errc::file_exists)
+        throw PlatformError(err::FileAccess, "Database file " + path.string() + " exists already; it is not overwritten");
+    if (failed) throw PlatformError(err::FileAccess, "Database file " + path.string() + " cannot be made: " + failed.message());
+    std::filesystem::remove(draft, failed);
+}
+
 }  // namespace
+
+struct ProjectFile::State {
+    State(sqlite::Connection connection, std::shared_ptr<Database> kept, std::string overrides,
+          std::vector<std::unique_ptr<FileSection>> kinds, std::int64_t generationRead)
+        : file(std::move(connection)),
+          database(std::move(kept)),
+          nameOverrides(std::move(overrides)),
+          sections(std::move(kinds)),
+          generation(generationRead)
+    {
+        if (file.readOnly()) return;
+        configureForWriting(file);
+        journal.emplace(file);
+        for (const auto& section : sections) section->createTables(file);
+    }
+
+    // A session that wrote leaves the file one file again, which a reader
+    // opens without making files beside it: without write access to the
+    // folder, or on a full disk. The switch is made once this connection
+    // has let go, by one in exclusive locking mode, which keeps the log's
+    // index in its own memory: the index beside the file may be what a full
+    // disk kept from being made. Another session still on the file keeps it
+    // in the log until the last one closes; that one is not waited for, a
+    // destructor cannot report the refusal, nor is anything lost by it.
+    ~State()
+    {
+        if (!logging) return;
+        const auto path = file.path();
+        journal.reset();
+        { const auto closed = std::move(file); }
+        try {
+            const auto last = sqlite::Connection::open(path, sqlite::Connection::Mode::ReadWrite);
+            last.setPatience(std::chrono::milliseconds(0));
+            last.exec("PRAGMA locking_mode = EXCLUSIVE");
+            switchJournal(last, "delete");
+            // Under the exclusive lock no one reads by the index: what a
+            // full disk left of it goes.
+            std::error_code ignored;
+            std::filesystem::remove(path + "-shm", ignored);
+        } catch (const PlatformError&) {
+        }
+    }
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+
+    void requireWritable(std::string_view refused) const
+    {
+        if (file.readOnly()) throw PlatformError(err::ReadOnly, "Database file " + file.path() + " is open read-only; " + std::string(refused));
+    }
+
+    // Another session that saved since this one read the file would lose its
+    // save under this one's: refused. Asked before the file is touched, and
+    // again under the write lock, where the answer holds until the commit.
+    void requireUnchanged(std::string_view refused) const
+    {
+        if (format::readGeneration(file) == generation) return;
+        throw PlatformError(err::FileChanged, "Database file " + file.path() +
+                                                  " was changed by someone else since this session read it; " + std::string(refused) +
+                                                  ": read it anew, or save to another file");
+    }
+
+    // Puts the file in the log (see configureForWriting) before the first write.
+    void enterLog()
+    {
+        if (!logging && file.text("PRAGMA journal_mode") != "wal") switchJournal(file, "wal");
+        logging = true;
+    }
+
+    // Under the write lock: the file still at the generation read, which
+    // the write counts on; note it with committed().
+    void claimNextGeneration(std::string_view refused) const
+    {
+        requireUnchanged(refused);
+        format::writeGeneration(file, generation + 1);
+    }
+    void committed() { ++generation; }
+
+    sqlite::Connection file;
+    std::shared_ptr<Database> database;
+    std::string nameOverrides;
+    std::vector<std::unique_ptr<FileSection>> sections;
+    // None for a file that may not be written.
+    std::optional<format::UndoJournal> journal;
+    // The generation of the file as this session read or last wrote it.
+    std::int64_t generation;
+    // Whether this session has put the file in the log.
+    bool logging = false;
+};
 
 ProjectFile::ProjectFile(std::unique_ptr<State> state) : state_(std::move(state)) { state_->database->trackChanges(true); }
 ProjectFile::ProjectFile(ProjectFile&&) noexcept = default;
@@ -114,46 +212,57 @@ ProjectFile::~ProjectFile()
 
 ProjectFile ProjectFile::create(const std::filesystem::path& path, std::shared_ptr<Database> database, std::string nameOverrides)
 {
-    auto file = sqlite::Connection::open(path, sqlite::Connection::Mode::Create);
+    std::error_code ignored;
+    if (std::filesystem::exists(path, ignored))
+        throw PlatformError(err::FileAccess, "Database file " + path.string() + " exists already; it is not overwritten");
+    const auto draft = draftOf(path);
     auto sections = standardSections();
     try {
-        configureNew(file);
-        sqlite::Transaction transaction(file);
-        file.exec(format::kSchema);
-        file.exec("PRAGMA application_id = " + std::to_string(format::kApplicationId));
-        file.exec("PRAGMA user_version = " + std::to_string(format::kVersion));
-        format::writeDatabase(file, *database, nameOverrides, format::SaveScope::Everything);
-        for (const auto& section : sections) {
-            section->createTables(file);
-            section->save(file, *database);
+        {
+            const auto file = sqlite::Connection::open(draft, sqlite::Connection::Mode::Create);
+            configureNew(file);
+            sqlite::Transaction transaction(file);
+            file.exec(format::kSchema);
+            file.exec("PRAGMA application_id = " + std::to_string(format::kApplicationId));
+            file.exec("PRAGMA user_version = " + std::to_string(format::kVersion));
+            format::writeEverything(file, *database, nameOverrides);
+            format::UndoJournal::createTables(file);
+            for (const auto& section : sections) {
+                section->createTables(file);
+                section->save(file, *database);
+            }
+            transaction.commit();
         }
-        transaction.commit();
-        configureForWriting(file);
+        publish(draft, path);
     } catch (...) {
-        // Half a new file is no file: it would pass for ours and hold nothing.
-        { const auto closed = std::move(file); }
-        std::error_code ignored;
-        std::filesystem::remove(path, ignored);
+        std::filesystem::remove(draft, ignored);
         throw;
     }
     database->forgetChanges();
-    return ProjectFile(
-        std::make_unique<State>(std::move(file), std::move(database), std::move(nameOverrides), std::move(sections)));
+    return ProjectFile(std::make_unique<State>(sqlite::Connection::open(path, sqlite::Connection::Mode::ReadWrite), std::move(database),
+                                               std::move(nameOverrides), std::move(sections), 0));
 }
 
 ProjectFile ProjectFile::open(const std::filesystem::path& path, Access access)
 {
     auto file = sqlite::Connection::open(path, access == Access::ReadOnly ? sqlite::Connection::Mode::ReadOnly
                                                                            : sqlite::Connection::Mode::ReadWrite);
-    checkFormat(file);
     auto database = Database::create();
-    auto nameOverrides = format::readDatabase(file, *database);
-    ProjectFile opened(std::make_unique<State>(std::move(file), std::move(database), std::move(nameOverrides),
-                                                std::vector<std::unique_ptr<FileSection>>{}));
-    for (auto& section : standardSections()) opened.addSection(std::move(section));
-    // Only a file that was read whole is switched to the log: a refused one stays as it was.
-    configureForWriting(opened.state_->file);
-    return opened;
+    auto sections = standardSections();
+    std::string nameOverrides;
+    std::int64_t generation = 0;
+    {
+        // One view of the file from the first read to the last, whatever
+        // another session saves meanwhile. Nothing is written: a refused
+        // file stays as it was.
+        const sqlite::Transaction reading(file, sqlite::Transaction::Kind::Read);
+        checkFormat(file);
+        nameOverrides = format::readDatabase(file, *database);
+        for (const auto& section : sections) section->load(file, *database);
+        generation = format::readGeneration(file);
+    }
+    return ProjectFile(
+        std::make_unique<State>(std::move(file), std::move(database), std::move(nameOverrides), std::move(sections), generation));
 }
 
 const std::shared_ptr<Database>& ProjectFile::database() const { return state_->database; }
@@ -169,17 +278,23 @@ void ProjectFile::addSection(std::unique_ptr<FileSection> section)
 
 SaveSummary ProjectFile::save()
 {
-    const auto& file = state_->file;
-    if (file.readOnly()) throw PlatformError(err::ReadOnly, "Database file " + file.path() + " is open read-only; nothing is saved");
-    sqlite::Transaction transaction(file);
-    auto& journal = *state_->journal;
+    auto& state = *state_;
+    constexpr std::string_view refused = "nothing is saved";
+    state.requireWritable(refused);
+    state.requireUnchanged(refused);
+    const auto owners = format::changedOwners(*state.database);
+    state.enterLog();
+    sqlite::Transaction transaction(state.file);
+    state.claimNextGeneration(refused);
+    auto& journal = *state.journal;
     journal.beginSave();
-    const auto summary = format::writeDatabase(file, *state_->database, state_->nameOverrides, format::SaveScope::Changes,
-                                               [&journal](const auto& ids) { journal.recordBeforeUpdate(ids); });
-    for (const auto& section : state_->sections) section->save(file, *state_->database);
+    const auto summary = format::writeChanges(state.file, *state.database, state.nameOverrides, owners,
+                                              [&journal](const auto& ids) { journal.recordBeforeUpdate(ids); });
+    for (const auto& section : state.sections) section->save(state.file, *state.database);
     journal.endSave();
     transaction.commit();
-    state_->database->forgetChanges();
+    state.committed();
+    state.database->forgetChanges();
     return summary;
 }
 
@@ -192,21 +307,28 @@ std::size_t ProjectFile::redoSteps() const { return state_->journal ? state_->jo
 bool ProjectFile::replay(bool undoing)
 {
     auto& state = *state_;
-    if (!state.journal)
-        throw PlatformError(err::ReadOnly, "Database file " + state.file.path() + " is open read-only; nothing is undone or redone");
+    const std::string_view refused = undoing ? "nothing is undone" : "nothing is redone";
+    state.requireWritable(refused);
     // What is not saved is not in the journal: taking back a step under it
     // would lose it without a word.
     if (!state.database->changes().empty())
         throw PlatformError(err::InvalidCall, "Database file " + state.file.path() +
                                                   ": the database has unsaved changes; save them before undo or redo");
+    const auto side = undoing ? format::UndoJournal::Side::Undo : format::UndoJournal::Side::Redo;
+    // No step to take leaves the file untouched.
+    if (state.journal->steps(side) == 0) return false;
+    state.requireUnchanged(refused);
+    state.enterLog();
     sqlite::Transaction transaction(state.file);
-    if (!state.journal->replay(undoing ? format::UndoJournal::Side::Undo : format::UndoJournal::Side::Redo)) return false;
+    state.claimNextGeneration(refused);
+    if (!state.journal->replay(side)) return false;
     // The file is read back before the commit: a step that leaves the file
     // unreadable is not taken.
     auto database = Database::create();
     auto nameOverrides = format::readDatabase(state.file, *database);
     for (const auto& section : state.sections) section->load(state.file, *database);
     transaction.commit();
+    state.committed();
     state.database->trackChanges(false);
     state.database = std::move(database);
     state.nameOverrides = std::move(nameOverrides);

@@ -3,9 +3,17 @@
 // A database kept in one SQLite file. Opening loads the whole database into
 // memory; saving writes, in one transaction, only the objects that changed
 // since the file was opened or last saved, and removes the deleted ones. A
-// save cut off at any moment (power, kill) leaves the state of the last
-// complete save: the write-ahead log the file runs with while it is open,
-// with full syncs, sees to that.
+// save cut off at any moment (power, kill, full disk) leaves the state of the
+// last complete save, and every session can open the file after it.
+//
+// Several sessions may have one file open. Each save, undo and redo counts
+// the file's generation up; a session whose file another one wrote since it
+// read it is refused with error FileChanged before anything is written, as
+// its save would undo the other's: it reads the file anew, or saves as
+// another file. New objects thus never meet another session's under one
+// UniqueId in the file. A lock that another session holds for the moment of
+// its save is waited for a few seconds. Opening, and a session that does not
+// write, leave the file as it was, byte for byte.
 //
 // What is kept: projects with base project, access rights, languages and
 // options; the system and current project; every device, attribute, chapter,

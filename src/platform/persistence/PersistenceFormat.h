@@ -130,15 +130,30 @@ void forEachMember(const StoreProject& project, Visit&& visit)
     visit(std::static_pointer_cast<StoredObject>(project.tableRoot()), std::size_t{0});
 }
 
-// Writes a database: everything into a new file, or what changed since the
-// last save. Throws before writing for a change to a project without write
-// access. A save of changes tells `beforeUpdate` the ids of the rows whose
-// fields it is about to rewrite in place, all at once; these updates are the
-// last writes to objects.
-enum class SaveScope { Everything, Changes };
+// What a save of changes rewrites: the list of roots of every writable
+// project, then each changed object still in the database, in the order of
+// the file. Made before the file is touched: a change to a project without
+// write access is error ReadOnly, and the file stays as it was.
+struct ChangedOwner {
+    const StoreProject* project;
+    const StoredObject* object;  // none: the project's list of roots
+    std::int64_t id = 0;         // the object's
+};
+std::vector<ChangedOwner> changedOwners(const Database& database);
+
+// Writes all of a database into a new file.
+SaveSummary writeEverything(const sqlite::Connection& file, const Database& database, std::string_view nameOverrides);
+// Writes what changed since the last save: `owners` from changedOwners. It
+// tells `beforeUpdate` the ids of the rows whose fields it is about to
+// rewrite in place, all at once; these updates are the last writes to objects.
 using BeforeUpdate = std::function<void(const std::vector<std::int64_t>& ids)>;
-SaveSummary writeDatabase(const sqlite::Connection& file, const Database& database, std::string_view nameOverrides,
-                          SaveScope scope, const BeforeUpdate& beforeUpdate = {});
+SaveSummary writeChanges(const sqlite::Connection& file, const Database& database, std::string_view nameOverrides,
+                         const std::vector<ChangedOwner>& owners, const BeforeUpdate& beforeUpdate);
+
+// The save generation: a number that every write of a file counts up, kept
+// beside the settings; a file that never had one is at 0.
+std::int64_t readGeneration(const sqlite::Connection& file);
+void writeGeneration(const sqlite::Connection& file, std::int64_t generation);
 
 // Reads a whole file into an empty database; gives the name table overrides.
 // A file that does not hold together is error Configuration.

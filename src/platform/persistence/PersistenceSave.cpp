@@ -177,13 +177,6 @@ private:
     std::unordered_map<const StoredObject*, bool> known_;
 };
 
-// What holds members in the file: an object, or a project (its roots).
-struct Holder {
-    const StoreProject* project;
-    const StoredObject* object;  // none: the project itself
-    std::int64_t id = 0;         // the object's
-};
-
 class Writer {
 public:
     explicit Writer(const sqlite::Connection& file)
@@ -213,24 +206,8 @@ public:
     // The members in the file are read once, before removal: what a removal
     // takes away below another changed owner is written again whole by the
     // owner it moved to.
-    SaveSummary changes(const Database& database, const BeforeUpdate& beforeUpdate)
+    SaveSummary changes(const std::vector<ChangedOwner>& owners, const BeforeUpdate& beforeUpdate)
     {
-        std::vector<Holder> owners;
-        for (const auto& project : database.projects())
-            if (project->writable()) owners.push_back({project.get(), nullptr});
-        const auto projects = static_cast<std::ptrdiff_t>(owners.size());
-        Membership membership;
-        for (const auto& object : database.changes()) {
-            if (!membership.holds(*object)) continue;
-            const auto& project = must(object->storeProject());
-            if (!project.writable())
-                throw PlatformError(err::ReadOnly, "no write access to project " + project.Name() + ": " + object->SystemFullName() +
-                                                       " was changed; nothing is saved");
-            owners.push_back({&project, object.get(), idOf(*object)});
-        }
-        // In the order of the file, so that the pages are read and written in sequence.
-        std::sort(owners.begin() + projects, owners.end(), [](const Holder& a, const Holder& b) { return a.id < b.id; });
-
         std::vector<FileMembers> inFile;
         inFile.reserve(owners.size());
         for (const auto& owner : owners) inFile.push_back(membersInFile(owner));
@@ -239,10 +216,12 @@ public:
         if (beforeUpdate) {
             std::vector<std::int64_t> ids;
             ids.reserve(owners.size());
-            for (auto owner = owners.begin() + projects; owner != owners.end(); ++owner) ids.push_back(owner->id);
+            for (const auto& owner : owners)
+                if (owner.object) ids.push_back(owner.id);
             beforeUpdate(ids);
         }
-        for (auto owner = owners.begin() + projects; owner != owners.end(); ++owner) updateFields(*owner->object);
+        for (const auto& owner : owners)
+            if (owner.object) updateFields(*owner.object);
         return summary();
     }
 
@@ -295,7 +274,7 @@ private:
     }
 
     template <class Visit>
-    void visitMembers(const Holder& owner, Visit&& visit) const
+    void visitMembers(const ChangedOwner& owner, Visit&& visit) const
     {
         if (owner.object)
             forEachMember(*owner.object, visit);
@@ -305,7 +284,7 @@ private:
 
     // The owner's members as the file has them: id -> position.
     using FileMembers = std::unordered_map<std::int64_t, std::int64_t>;
-    FileMembers membersInFile(const Holder& owner)
+    FileMembers membersInFile(const ChangedOwner& owner)
     {
         auto& query = owner.object ? membersOf_ : rootsOf_;
         if (owner.object)
@@ -319,7 +298,7 @@ private:
     }
 
     // Leaves in `inFile` the members that stay.
-    void removeGoneMembers(const Holder& owner, FileMembers& inFile)
+    void removeGoneMembers(const ChangedOwner& owner, FileMembers& inFile)
     {
         if (inFile.empty()) return;
         auto gone = inFile;
@@ -332,7 +311,7 @@ private:
         }
     }
 
-    void writeNewMembers(const Holder& owner, const FileMembers& inFile)
+    void writeNewMembers(const ChangedOwner& owner, const FileMembers& inFile)
     {
         visitMembers(owner, [&](const auto& member, std::size_t position) {
             const auto found = inFile.find(idOf(*member));
@@ -354,13 +333,17 @@ private:
     std::size_t removed_ = 0;
 };
 
+constexpr std::string_view kGenerationKey = "generation";
+
 // Everything that is not an object: the projects themselves, their languages
 // and options, the workset's options and the application values. These are
-// few and rewritten whole; a project without write access keeps what the
-// file has, unless the file is new.
+// few and rewritten whole, the generation aside; a project without write
+// access keeps what the file has, unless the file is new.
+enum class SaveScope { Everything, Changes };
 void writeSettings(const sqlite::Connection& file, const Database& database, std::string_view nameOverrides, SaveScope scope)
 {
-    file.exec("DELETE FROM meta; DELETE FROM projects; DELETE FROM workset_options; DELETE FROM app_values");
+    file.prepare("DELETE FROM meta WHERE key <> ?1").bind(1, kGenerationKey).run();
+    file.exec("DELETE FROM projects; DELETE FROM workset_options; DELETE FROM app_values");
     auto meta = file.prepare("INSERT INTO meta(key, value) VALUES(?1, ?2)");
     const auto setMeta = [&meta](std::string_view key, const auto& bindValue) {
         meta.bind(1, key);
@@ -420,13 +403,50 @@ void writeSettings(const sqlite::Connection& file, const Database& database, std
 
 }  // namespace
 
-SaveSummary writeDatabase(const sqlite::Connection& file, const Database& database, std::string_view nameOverrides, SaveScope scope,
-                          const BeforeUpdate& beforeUpdate)
+std::vector<ChangedOwner> changedOwners(const Database& database)
 {
-    Writer objects(file);
-    const auto summary = scope == SaveScope::Everything ? objects.everything(database) : objects.changes(database, beforeUpdate);
-    writeSettings(file, database, nameOverrides, scope);
+    std::vector<ChangedOwner> owners;
+    for (const auto& project : database.projects())
+        if (project->writable()) owners.push_back({project.get(), nullptr});
+    const auto projects = static_cast<std::ptrdiff_t>(owners.size());
+    Membership membership;
+    for (const auto& object : database.changes()) {
+        if (!membership.holds(*object)) continue;
+        const auto& project = must(object->storeProject());
+        if (!project.writable())
+            throw PlatformError(err::ReadOnly, "no write access to project " + project.Name() + ": " + object->SystemFullName() +
+                                                   " was changed; nothing is saved");
+        owners.push_back({&project, object.get(), idOf(*object)});
+    }
+    // In the order of the file, so that the pages are read and written in sequence.
+    std::sort(owners.begin() + projects, owners.end(), [](const ChangedOwner& a, const ChangedOwner& b) { return a.id < b.id; });
+    return owners;
+}
+
+SaveSummary writeEverything(const sqlite::Connection& file, const Database& database, std::string_view nameOverrides)
+{
+    const auto summary = Writer(file).everything(database);
+    writeSettings(file, database, nameOverrides, SaveScope::Everything);
     return summary;
+}
+
+SaveSummary writeChanges(const sqlite::Connection& file, const Database& database, std::string_view nameOverrides,
+                         const std::vector<ChangedOwner>& owners, const BeforeUpdate& beforeUpdate)
+{
+    const auto summary = Writer(file).changes(owners, beforeUpdate);
+    writeSettings(file, database, nameOverrides, SaveScope::Changes);
+    return summary;
+}
+
+std::int64_t readGeneration(const sqlite::Connection& file)
+{
+    auto generation = file.prepare("SELECT value FROM meta WHERE key = ?1");
+    return generation.bind(1, kGenerationKey).step() ? generation.integer(0) : 0;
+}
+
+void writeGeneration(const sqlite::Connection& file, std::int64_t generation)
+{
+    file.prepare("INSERT OR REPLACE INTO meta(key, value) VALUES(?1, ?2)").bind(1, kGenerationKey).bind(2, generation).run();
 }
 
 }  // namespace pipespec::platform::format

@@ -5,6 +5,7 @@
 #include <sqlite3.h>
 
 #include <limits>
+#include <system_error>
 
 namespace pipespec::platform::sqlite {
 
@@ -22,27 +23,41 @@ void Statement::Finalize::operator()(sqlite3_stmt* statement) const noexcept { s
 
 Connection Connection::open(const std::filesystem::path& path, Mode mode)
 {
-    const bool exists = std::filesystem::exists(path);
+    std::error_code ignored;
+    const auto status = std::filesystem::status(path, ignored);
+    const bool exists = std::filesystem::exists(status);
     if (mode == Mode::Create && exists)
         throw PlatformError(err::FileAccess, "Database file " + path.string() + " exists already; it is not overwritten");
     if (mode != Mode::Create && !exists) throw PlatformError(err::FileAccess, "Database file " + path.string() + " does not exist");
+    if (mode != Mode::Create && !std::filesystem::is_regular_file(status))
+        throw PlatformError(err::FileAccess, "Database file " + path.string() + " is not a regular file");
 
-    const int flags = mode == Mode::ReadOnly ? SQLITE_OPEN_READONLY
-                      : mode == Mode::ReadWrite ? SQLITE_OPEN_READWRITE
-                                                : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    const int flags = mode == Mode::Create ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE : SQLITE_OPEN_READWRITE;
     sqlite3* raw = nullptr;
     const int code = sqlite3_open_v2(path.c_str(), &raw, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     Connection connection(std::unique_ptr<sqlite3, Close>(raw), path.string());
     connection.check(code, "opening");
     sqlite3_extended_result_codes(raw, 1);
+    connection.setPatience(kPatience);
+    connection.readOnly_ = mode == Mode::ReadOnly || sqlite3_db_readonly(raw, "main") != 0;
+    if (mode == Mode::ReadOnly) connection.exec("PRAGMA query_only = ON");
     return connection;
+}
+
+void Connection::setPatience(std::chrono::milliseconds patience) const
+{
+    sqlite3_busy_timeout(db_.get(), static_cast<int>(patience.count()));
 }
 
 void Connection::check(int code, std::string_view doing) const
 {
     if (code == SQLITE_OK || code == SQLITE_ROW || code == SQLITE_DONE) return;
-    const std::string what = "Database file " + path_ + ": " + std::string(doing) + " failed: " +
-                             (db_ ? sqlite3_errmsg(db_.get()) : sqlite3_errstr(code));
+    const auto file = "Database file " + path_;
+    // The statement would only hide the one thing to know.
+    if ((code & 0xff) == SQLITE_BUSY)
+        throw PlatformError(err::FileAccess, file + " is in use by another run, which did not let go of it within " +
+                                                 std::to_string(kPatience.count() / 1000) + " seconds; try again later");
+    const std::string what = file + ": " + std::string(doing) + " failed: " + (db_ ? sqlite3_errmsg(db_.get()) : sqlite3_errstr(code));
     switch (code & 0xff) {
     case SQLITE_READONLY:
         throw PlatformError(err::ReadOnly, what);
@@ -69,14 +84,27 @@ Statement Connection::prepare(std::string_view sql) const
     return statement;
 }
 
+namespace {
+template <class Read>
+auto singleValue(const Connection& connection, std::string_view sql, Read read)
+{
+    auto statement = connection.prepare(sql);
+    if (!statement.step())
+        throw PlatformError(err::Configuration, "Database file " + connection.path() + ": " + std::string(sql) + " gave no value");
+    return read(statement);
+}
+}  // namespace
+
 std::int64_t Connection::integer(std::string_view sql) const
 {
-    auto statement = prepare(sql);
-    if (!statement.step()) throw PlatformError(err::Configuration, "Database file " + path_ + ": " + std::string(sql) + " gave no value");
-    return statement.integer(0);
+    return singleValue(*this, sql, [](const Statement& statement) { return statement.integer(0); });
 }
 
-bool Connection::readOnly() const { return sqlite3_db_readonly(db_.get(), "main") != 0; }
+std::string Connection::text(std::string_view sql) const
+{
+    return singleValue(*this, sql, [](const Statement& statement) { return statement.text(0); });
+}
+
 std::int64_t Connection::changes() const { return sqlite3_changes64(db_.get()); }
 
 // ---- Statement ---------------------------------------------------------
@@ -152,7 +180,10 @@ std::string_view Statement::textView(int column) const
 
 // ---- Transaction -------------------------------------------------------
 
-Transaction::Transaction(const Connection& connection) : connection_(connection) { connection_.exec("BEGIN IMMEDIATE"); }
+Transaction::Transaction(const Connection& connection, Kind kind) : connection_(connection)
+{
+    connection_.exec(kind == Kind::Write ? "BEGIN IMMEDIATE" : "BEGIN");
+}
 
 Transaction::~Transaction()
 {

@@ -4,6 +4,7 @@
 // and a transaction that rolls back unless committed. Every failure becomes a
 // PlatformError naming the file and SQLite's own message.
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -23,15 +24,24 @@ public:
     enum class Mode { ReadOnly, ReadWrite, Create };
 
     // Create makes a new file and refuses one that exists; the others
-    // refuse a missing file.
+    // refuse a missing file and anything but a regular file (a pipe would
+    // block the first read for ever). ReadOnly takes the file for writing
+    // where the system lets it, yet runs no statement that writes: so
+    // SQLite can roll back what a killed writer left half done, which a
+    // reader must see undone. A lock held by another connection is waited
+    // for up to kPatience.
+    static constexpr std::chrono::milliseconds kPatience{5000};
     static Connection open(const std::filesystem::path& path, Mode mode);
 
     void exec(std::string_view sql) const;
     Statement prepare(std::string_view sql) const;
     // The single value of a query such as "PRAGMA user_version".
     std::int64_t integer(std::string_view sql) const;
+    std::string text(std::string_view sql) const;
     // The file may not be written: opened so, or write-protected on disk.
-    bool readOnly() const;
+    bool readOnly() const { return readOnly_; }
+    // How long to wait for another connection's lock before giving up.
+    void setPatience(std::chrono::milliseconds patience) const;
     // Rows changed by the last statement that changed any.
     std::int64_t changes() const;
     const std::string& path() const { return path_; }
@@ -47,6 +57,7 @@ private:
 
     std::unique_ptr<sqlite3, Close> db_;
     std::string path_;
+    bool readOnly_ = false;
 };
 
 // A prepared statement, reused: bind, step until done, then reset.
@@ -86,10 +97,12 @@ private:
     const Connection* connection_;
 };
 
-// BEGIN IMMEDIATE now; ROLLBACK when left without commit().
+// BEGIN IMMEDIATE (Write: the write lock now) or BEGIN (Read: one view of
+// the file from the first read to the end); ROLLBACK when left without commit().
 class Transaction {
 public:
-    explicit Transaction(const Connection& connection);
+    enum class Kind { Read, Write };
+    explicit Transaction(const Connection& connection, Kind kind = Kind::Write);
     ~Transaction();
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;

@@ -68,9 +68,11 @@ std::string recordingInsert()
 
 }  // namespace
 
+void UndoJournal::createTables(const sqlite::Connection& file) { file.exec(schema()); }
+
 UndoJournal::UndoJournal(const sqlite::Connection& file) : file_(file)
 {
-    file_.exec(schema());
+    createTables(file_);
     file_.exec("CREATE TEMP TABLE journal_now(step INTEGER NOT NULL); CREATE TEMP TABLE journal_touched(id INTEGER PRIMARY KEY)");
     file_.exec(recordingOld("journal_delete", "DELETE"));
     file_.exec(recordingInsert());

@@ -31,9 +31,10 @@ public:
     enum class Side : int { Undo = 0, Redo = 1 };
     static constexpr std::size_t kDepth = 50;
 
-    // Creates the journal's tables in a file that lacks them, and the
-    // triggers that record while a step is open. The file must be writable
-    // and outlive the journal.
+    // Creates the journal's tables in a file that lacks them.
+    static void createTables(const sqlite::Connection& file);
+    // Creates the tables as createTables does, and the triggers that record
+    // while a step is open. The file must be writable and outlive the journal.
     explicit UndoJournal(const sqlite::Connection& file);
     UndoJournal(const UndoJournal&) = delete;
     UndoJournal& operator=(const UndoJournal&) = delete;

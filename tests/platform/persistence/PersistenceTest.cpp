@@ -15,7 +15,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <fstream>
+#include <thread>
 
 namespace pipespec {
 namespace {
@@ -386,6 +388,16 @@ TEST_F(PersistenceTest, WhatMayNotBeWrittenIsNeverWritten)
     RichWorld world;
     ProjectFile::create(file, world.database());
     const auto before = bytesOf(file);
+    const auto written = std::filesystem::last_write_time(file);
+
+    // A session that writes nothing leaves the file as it was, its time included.
+    {
+        auto idle = ProjectFile::open(file);
+        EXPECT_FALSE(idle.undo());
+        EXPECT_FALSE(idle.redo());
+    }
+    EXPECT_TRUE(bytesOf(file) == before);
+    EXPECT_EQ(std::filesystem::last_write_time(file), written);
 
     // A file opened read-only.
     auto readOnly = ProjectFile::open(file, ProjectFile::Access::ReadOnly);
@@ -394,8 +406,8 @@ TEST_F(PersistenceTest, WhatMayNotBeWrittenIsNeverWritten)
     EXPECT_EQ(errorNumber([&] { readOnly.save(); }), err::ReadOnly);
     EXPECT_EQ(bytesOf(file), before);
 
-    // A change to a project that has since lost its write access; opening
-    // for writing may set the file up for logging, but the save writes nothing.
+    // A change to a project that has since lost its write access: refused
+    // before the file is touched.
     auto writable = ProjectFile::open(file);
     const auto opened = bytesOf(file);
     const auto log = std::filesystem::path(file.string() + "-wal");
@@ -413,6 +425,59 @@ TEST_F(PersistenceTest, WhatMayNotBeWrittenIsNeverWritten)
     { const auto closed = std::move(writable); }
     EXPECT_FALSE(std::filesystem::exists(log));
     EXPECT_EQ(ProjectFile::open(file).database()->project("BASE")->AccessRights(), 0);
+}
+
+TEST_F(PersistenceTest, SessionsSharingAFileWaitForEachOtherAndNeverSaveOverEachOther)
+{
+    RichWorld world;
+    ProjectFile::create(file, world.database());
+
+    // A lock that another connection holds for a moment is waited for.
+    {
+        const auto other = platform::sqlite::Connection::open(file, platform::sqlite::Connection::Mode::ReadWrite);
+        other.exec("BEGIN EXCLUSIVE");
+        std::thread letGo([&other] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            other.exec("COMMIT");
+        });
+        EXPECT_EQ(errorNumber([&] { ProjectFile::open(file); }), 0);
+        letGo.join();
+    }
+
+    const auto elementIn = [](const ProjectFile& session, const std::string& name) {
+        return session.database()->objectByFullName("PLANT:@20|PIPECLASSES|PC-A1|" + name, nullptr);
+    };
+    const auto addElement = [&](const ProjectFile& session, const std::string& name) {
+        world.device(asDevice(session.database()->objectByFullName("PLANT:@20|PIPECLASSES|PC-A1", nullptr)), name,
+                     {{"GD.Mark", name}});
+    };
+    auto first = ProjectFile::open(file);
+    auto second = ProjectFile::open(file);
+    auto idle = ProjectFile::open(file);
+    addElement(first, "002");
+    addElement(second, "003");
+    first.save();
+
+    // The second session read the file before the first saved: its save and
+    // an undo would write over that save, and are refused untouched.
+    const auto saved = bytesOf(file);
+    const auto log = std::filesystem::path(file.string() + "-wal");
+    const auto logged = bytesOf(log);
+    EXPECT_EQ(errorNumber([&] { second.save(); }), err::FileChanged);
+    EXPECT_EQ(errorNumber([&] { idle.undo(); }), err::FileChanged);
+    EXPECT_TRUE(bytesOf(file) == saved && bytesOf(log) == logged);
+    EXPECT_FALSE(elementIn(ProjectFile::open(file, ProjectFile::Access::ReadOnly), "003"));
+
+    // Read anew, the file takes the change, and that session goes on
+    // saving; now the first one is behind.
+    auto again = ProjectFile::open(file);
+    addElement(again, "003");
+    again.save();
+    addElement(again, "004");
+    again.save();
+    EXPECT_EQ(errorNumber([&] { first.save(); }), err::FileChanged);
+    const auto reopened = ProjectFile::open(file, ProjectFile::Access::ReadOnly);
+    for (const auto* name : {"002", "003", "004"}) EXPECT_EQ(world.value(elementIn(reopened, name), "GD.Mark"), name);
 }
 
 // A part of the database with a table of its own, saved with the objects.
