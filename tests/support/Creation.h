@@ -1,0 +1,44 @@
+#pragma once
+
+// The frame of the tests of element creation and of the selector engine: a
+// world with its catalogue, the module state of the creation cascade fresh
+// for each test, and the range control and the chooser of selectors, which a
+// test may replace, put back after it.
+
+#include "elements/AddToPipeClass.h"
+#include "elements/RangeControl.h"
+#include "selectors/ChooseSelector.h"
+#include "support/World.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace pipespec::support {
+
+class CreationTest : public ::testing::Test {
+protected:
+    CreationTest() { addtopipeclass::moduleState() = {}; }
+    ~CreationTest() override
+    {
+        addtopipeclass::setSharedPCOMRange(nullptr);
+        addtopipeclass::setChooseSelectorView(nullptr);
+    }
+
+    // The engineer's choices of a selector, scripted; installed for this test.
+    std::shared_ptr<addtopipeclass::ScriptedChooseSelector> chooser() const
+    {
+        auto scripted = std::make_shared<addtopipeclass::ScriptedChooseSelector>();
+        addtopipeclass::setChooseSelectorView(scripted);
+        return scripted;
+    }
+    // The full names of what the last creation cascade made.
+    std::vector<std::string> created() const { return must(addtopipeclass::CreatedObjects()).Keys(); }
+
+    World world;
+    DeviceRef catalog = world.catalog();
+};
+
+}  // namespace pipespec::support
