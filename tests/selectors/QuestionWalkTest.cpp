@@ -134,6 +134,19 @@ TEST_F(QuestionWalk, UnansweredQuestionIsPutToTheEngineerAndTheChoiceIsTakenOver
     EXPECT_THAT(world.trace("SetQuestion"), Contains("leave: (2) TopSelector Is Nothing"));
 }
 
+TEST_F(QuestionWalk, AChosenAnswerAnInheritedAttributeCannotTakeIsLostQuietly)
+{
+    // The element's answer comes from its catalogue component, where no write of the walk belongs.
+    const auto cataloged = world.device(catalog, "FL-XX", {{"PIPE.VSTD", "FLAN"}, {"PIPE.FTYPE", "XX"}});
+    const auto component = world.device(pipeClass, "E1", {{"PDMS.Selector", ""}}, cataloged);
+    ASSERT_TRUE(component->Spec("PIPE.FTYPE")->SystemTemporary());
+    view->choose("BL");
+    EXPECT_EQ(walk(pipeClass, component).leaf, bl);
+    EXPECT_EQ(component->Spec("PDMS.Selector")->LinkObject(), bl);
+    EXPECT_EQ(world.value(component, "PIPE.FTYPE") + " " + world.value(cataloged, "PIPE.FTYPE"), "XX XX");
+    EXPECT_EQ(world.reported(), "");
+}
+
 TEST_F(QuestionWalk, RangeQuestionTakesTheValueAsBothEndsOnlyOnTheChange)
 {
     world.attribute(dn1, "Sele.Type", "0");
