@@ -12,10 +12,7 @@ namespace {
 std::optional<double> boundOf(const IDevice& element, const std::string& chapter, const std::string& attribute)
 {
     const auto spec = element.Spec(chapter + "." + attribute);
-    if (!spec) return std::nullopt;
-    const auto value = spec->Value();
-    if (!text::IsNumeric(value)) return std::nullopt;
-    return text::CDbl(value);
+    return spec ? text::NumberIn(spec->Value()) : std::nullopt;
 }
 
 // The bare attribute name behind a chapter-qualified one.
@@ -53,9 +50,8 @@ void PCOMRangeControl::InitNDRange(const DeviceRef& element, const DeviceRef& pi
     int next = 0;
     for (int i = 0; i < offered->RowCount(); ++i) {
         const auto diameter = offered->GetXValue(i);
-        if (!text::IsNumeric(diameter)) continue;
-        const double dn = text::CDbl(diameter);
-        if ((lower && dn < *lower) || (upper && dn > *upper)) continue;
+        const auto dn = text::NumberIn(diameter);
+        if (!dn || (lower && *dn < *lower) || (upper && *dn > *upper)) continue;
         must(range).SetXValue(next++, diameter);
     }
 }

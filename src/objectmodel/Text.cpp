@@ -209,6 +209,12 @@ double CDbl(std::string_view s)
     return *value;
 }
 
+std::optional<double> NumberIn(std::string_view s)
+{
+    if (!IsNumeric(s)) return std::nullopt;
+    return CDbl(s);
+}
+
 std::int32_t CLng(double value) { return toInteger<std::int32_t>(value); }
 std::int32_t CLng(std::string_view s) { return CLng(CDbl(s)); }
 std::int16_t CInt(double value) { return toInteger<std::int16_t>(value); }

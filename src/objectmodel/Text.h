@@ -8,6 +8,7 @@
 #include "objectmodel/Errors.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -54,6 +55,8 @@ namespace pipespec::text {
 // Not numeric: error 13. Beyond the range of a double: error 6; too small a
 // magnitude gives 0.
 [[nodiscard]] double CDbl(std::string_view s);
+// The number of a numeric text (CDbl); nothing for any other text.
+[[nodiscard]] std::optional<double> NumberIn(std::string_view s);
 // Rounded half to even (2.5 -> 2, 3.5 -> 4); outside the type's range: error 6.
 [[nodiscard]] std::int32_t CLng(double value);
 [[nodiscard]] std::int32_t CLng(std::string_view s);

@@ -1,8 +1,10 @@
 #include "platform/PipeSpecHelper.h"
 
 #include "objectmodel/Errors.h"
+#include "objectmodel/Text.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace pipespec::platform {
 
@@ -16,11 +18,26 @@ bool fitsPattern(std::string_view pattern, std::string_view code)
            std::equal(pattern.begin(), pattern.end(), code.begin(), [](char p, char c) { return p == 'X' || p == c; });
 }
 
-bool matches(const IDevice& element, const std::string& attribute, std::string_view wanted)
+bool hasCode(const IDevice& element, const std::string& attribute, std::string_view wanted)
 {
     if (wanted.empty()) return true;
     const auto spec = element.Spec(attribute);
     return spec && spec->ValueText() == wanted;
+}
+
+// An element serves the diameters of its name range: lower bound <= DN <=
+// upper bound, as numbers. A bound that is not set or holds no number leaves
+// that side open, as when the range control offers an element's diameters.
+bool servesDiameter(const IDevice& element, const INameTable& names, std::optional<double> wanted)
+{
+    if (!wanted) return true;
+    const auto bound = [&](const std::string& attribute) {
+        const auto spec = element.Spec(names.NameRange() + "." + attribute);
+        return spec ? text::NumberIn(spec->Value()) : std::nullopt;
+    };
+    const auto lower = bound(names.NameRangeLowerAttr());
+    const auto upper = bound(names.NameRangeUpperAttr());
+    return (!lower || *lower <= *wanted) && (!upper || *wanted <= *upper);
 }
 }  // namespace
 
@@ -29,15 +46,16 @@ PipeSpecHelper::PipeSpecHelper(std::shared_ptr<const INameTable> names) : names_
 CollectionRef PipeSpecHelper::FindComponents(int mode, std::string_view functionCode, std::string_view nominalDiameter)
 {
     if (mode != 0) throw PlatformError(err::InvalidCall, "FindComponents knows mode 0 only");
+    const auto diameter = nominalDiameter.empty() ? std::nullopt : text::NumberIn(nominalDiameter);
+    if (!nominalDiameter.empty() && !diameter)
+        throw PlatformError(err::InvalidCall, "the nominal diameter '" + std::string(nominalDiameter) + "' is no number");
     const auto& root = must(searchRoot_);
     const auto found = must(root.Workset()).NewCollection();
     const auto& codeAttribute = names_->GD().VFCD();
-    const auto& diameterAttribute = names_->Connection().NominalDiameter().First();
     const auto elements = root.Devices();
     for (int i = 1; i <= elements->Count(); ++i) {
         const auto element = asDevice(elements->Item(i));
-        if (element && matches(*element, codeAttribute, functionCode) &&
-            matches(*element, diameterAttribute, nominalDiameter))
+        if (element && hasCode(*element, codeAttribute, functionCode) && servesDiameter(*element, *names_, diameter))
             found->Add(element);
     }
     return found;

@@ -3,8 +3,8 @@
 #include "elements/AddToPipeClass.h"
 #include "support/World.h"
 
-#include <gtest/gtest.h>
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace pipespec {
 namespace {
@@ -13,78 +13,73 @@ using addtopipeclass::CheckValid;
 using addtopipeclass::IsPipeClass;
 using addtopipeclass::MapCDeviceToXXX;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 class Validity : public ::testing::Test {
 protected:
     support::World world;
-    DeviceRef catalog = world.root(world.base(), "@40");
-    DeviceRef pipeClass = world.pipeClass(world.root(world.plant(), "@20"), "PC-A1", "10000");
+    DeviceRef catalog = world.catalog();
+    DeviceRef classes = world.root(world.plant(), "@20");
+    DeviceRef pipeClass = world.pipeClass(classes, "PC-A1", "10000");
 
-    bool check(const DeviceRef& object, const DeviceRef& cls = nullptr)
+    bool check(const DeviceRef& object, const DeviceRef& cls = nullptr) const
     {
         Variant result;
         return CheckValid(object, cls ? cls : pipeClass, true, result, nullptr);
+    }
+    DeviceRef component(const std::string& code) const
+    {
+        return world.device(catalog, "C" + std::to_string(catalog->Devices()->Count()), {{"GD.VFCD", code}});
     }
     std::vector<std::string> refusals() const { return world.traceTexts("CheckValid"); }
 };
 
 TEST_F(Validity, PipeClassIsRecognisedByItsFunctionCodeRange)
 {
-    const auto withCode = [&](const std::string& code) {
-        return world.device(catalog, "C" + std::to_string(catalog->Devices()->Count()), {{"GD.VFCD", code}});
-    };
-    std::int32_t code = -1;
-    EXPECT_TRUE(IsPipeClass(withCode("10000"), code));
-    EXPECT_EQ(code, 10000);
-    EXPECT_TRUE(IsPipeClass(withCode("10008"), code));
-    EXPECT_FALSE(IsPipeClass(withCode("10009"), code));
-    EXPECT_EQ(code, 10009);
-    EXPECT_FALSE(IsPipeClass(withCode("9999"), code));
-    EXPECT_FALSE(IsPipeClass(withCode("abc"), code));
-    EXPECT_EQ(code, 0);
-    EXPECT_FALSE(IsPipeClass(withCode(""), code));
-    EXPECT_FALSE(IsPipeClass(world.device(catalog, "NoCode"), code));
-    EXPECT_EQ(code, 0);
-    EXPECT_FALSE(IsPipeClass(nullptr, code));
+    std::string seen;
+    for (const auto* code : {"10000", "10008", "10009", "9999", "abc", ""}) {
+        std::int32_t number = -1;
+        const bool isClass = IsPipeClass(component(code), number);
+        seen += std::string(isClass ? "yes " : "no ") + std::to_string(number) + ", ";
+    }
+    EXPECT_EQ(seen, "yes 10000, yes 10008, no 10009, no 9999, no 0, no 0, ");
+    std::int32_t number = -1;
+    EXPECT_FALSE(IsPipeClass(world.device(catalog, "NoCode"), number));
+    EXPECT_EQ(number, 0);
+    EXPECT_FALSE(IsPipeClass(nullptr, number));
     // Too large for 32 bits: the accessor has no error tail of its own.
-    EXPECT_THROW(IsPipeClass(withCode("99999999999"), code), PlatformError);
+    EXPECT_THROW(IsPipeClass(component("99999999999"), number), PlatformError);
 }
 
-TEST_F(Validity, OrdinaryComponentIsAcceptedAndCheckResultCleared)
+TEST_F(Validity, ComponentsAreAcceptedByTheirOwnOrInheritedCodeOrByVstdOnAPdmsClass)
 {
-    const auto flange = world.device(catalog, "FL", {{"GD.VFCD", "10100"}});
     Variant result = Variant("stale");
-    EXPECT_TRUE(CheckValid(flange, pipeClass, true, result, nullptr));
-    EXPECT_TRUE(result.IsEmpty());
-    EXPECT_THAT(refusals(), IsEmpty());
+    EXPECT_TRUE(CheckValid(component("10100"), pipeClass, true, result, nullptr));
+    EXPECT_TRUE(result.IsEmpty()) << "the check result is cleared";
+    EXPECT_TRUE(check(world.device(catalog, "FL-WN-PN16", {}, component("10100"))));
+    // Structure elements belong only to structure pipe classes.
+    const auto shoe = component("10900");
+    world.setCreateOption(shoe, 1);
+    EXPECT_TRUE(check(shoe, world.pipeClass(classes, "PC-S3", "10003")));
+    const auto pdmsClass = world.pipeClass(classes, "PC-B2", "10001", true, true);
+    EXPECT_TRUE(check(world.device(catalog, "TUBE", {{"GD.VFCD", "10600"}, {"PIPE.VSTD", "TUBE"}}), pdmsClass));
+    EXPECT_THAT(refusals(), ElementsAre());
+    const auto withoutVstd = component("10100");
+    EXPECT_FALSE(check(withoutVstd, pdmsClass));
+    EXPECT_THAT(refusals(), ElementsAre(withoutVstd->SystemFullName() + " has got no VSTD"));
 }
 
 TEST_F(Validity, EachRefusalStandsInTheTraceWithItsOwnWords)
 {
-    const auto folder = world.device(catalog, "FOLDER", {{"GD.VFCD", "10100"}});
+    const auto folder = component("10100");
     world.setFolder(folder);
-    EXPECT_FALSE(check(folder));
-    EXPECT_FALSE(check(pipeClass));
-
-    const auto lonelyClass = world.device(catalog, "TEMPLATE", {{"GD.VFCD", "10002"}});
-    EXPECT_FALSE(check(lonelyClass));
-
-    const auto shoe = world.device(catalog, "SHOE", {{"GD.VFCD", "10900"}});
+    const auto lonelyClass = component("10002");
+    const auto shoe = component("10900");
     world.setCreateOption(shoe, 1);
-    EXPECT_FALSE(check(shoe));
-
     const auto orphan = world.device(pipeClass, "007", {{"GD.VFCD", "10100"}});
-    EXPECT_FALSE(check(orphan));
-
     const auto noCode = world.device(catalog, "NOCODE", {{"PIPE.VSTD", "FLAN"}});
-    EXPECT_FALSE(check(noCode));
-
-    const auto emptyCode = world.device(catalog, "EMPTY", {{"GD.VFCD", ""}});
-    EXPECT_FALSE(check(emptyCode));
-
-    EXPECT_FALSE(check(nullptr));
-
+    const auto emptyCode = component("");
+    for (const auto& refused : {folder, pipeClass, lonelyClass, shoe, orphan, noCode, emptyCode, DeviceRef()})
+        EXPECT_FALSE(check(refused));
     EXPECT_THAT(refusals(),
                 ElementsAre(folder->SystemFullName() + " is a folder",
                             pipeClass->SystemFullName() + " is the current pipe class",
@@ -94,43 +89,10 @@ TEST_F(Validity, EachRefusalStandsInTheTraceWithItsOwnWords)
                             noCode->SystemFullName() + " has got no VSTD",
                             // The words name the attribute, not the object.
                             emptyCode->Spec("GD.VFCD")->SystemFullName() + " not set"));
-    EXPECT_THAT(world.host().errors(), IsEmpty());
-}
-
-TEST_F(Validity, StructureElementsBelongOnlyToStructurePipeClasses)
-{
-    const auto structureClass = world.pipeClass(world.root(world.plant(), "@20"), "PC-S3", "10003");
-    const auto shoe = world.device(catalog, "SHOE", {{"GD.VFCD", "10900"}});
-    world.setCreateOption(shoe, 1);
-    EXPECT_FALSE(check(shoe, pipeClass));
-    EXPECT_TRUE(check(shoe, structureClass));
-}
-
-TEST_F(Validity, PdmsClassTestsVstdInsteadOfFunctionCode)
-{
-    const auto pdmsClass = world.pipeClass(world.root(world.plant(), "@20"), "PC-B2", "10001", true, true);
-    const auto withoutVstd = world.device(catalog, "NOVSTD", {{"GD.VFCD", "10100"}});
-    const auto withVstd = world.device(catalog, "TUBE", {{"GD.VFCD", "10600"}, {"PIPE.VSTD", "TUBE"}});
-    EXPECT_FALSE(check(withoutVstd, pdmsClass));
-    EXPECT_TRUE(check(withVstd, pdmsClass));
-    EXPECT_THAT(refusals(), ElementsAre(withoutVstd->SystemFullName() + " has got no VSTD"));
-}
-
-TEST_F(Validity, InheritedFunctionCodeCounts)
-{
-    const auto base = world.device(catalog, "FL-WN", {{"GD.VFCD", "10100"}});
-    const auto variant = world.device(catalog, "FL-WN-PN16");
-    variant->SetCDevice(base);
-    EXPECT_TRUE(check(variant));
-}
-
-TEST_F(Validity, PipeClassWithoutUsableCodeEndsInTheErrorTail)
-{
-    const auto broken = world.pipeClass(world.root(world.plant(), "@20"), "PC-BROKEN", "");
-    const auto flange = world.device(catalog, "FL", {{"GD.VFCD", "10100"}});
-    EXPECT_FALSE(check(flange, broken));
-    ASSERT_EQ(world.host().errors().size(), 1u);
-    EXPECT_EQ(world.host().errors()[0].function, "Function CheckValid");
+    EXPECT_EQ(world.reported(), "");
+    // A pipe class without usable code ends in the error tail.
+    EXPECT_FALSE(check(component("10100"), world.pipeClass(classes, "PC-BROKEN", "")));
+    EXPECT_EQ(world.reported(), "Function CheckValid");
     EXPECT_EQ(world.host().errors()[0].cls, "QuorlPipeSpecComp.AddToPipeClass");
 }
 
@@ -153,53 +115,39 @@ private:
 
 TEST_F(Validity, CheckObjectDecidesOnlyWhereThePipeClassSwitchesItOn)
 {
-    const auto flange = world.device(catalog, "FL", {{"GD.VFCD", "10100"}});
+    const auto flange = component("10100");
     ScriptedCheck refuse(ScriptedCheck::Mode::Refuse);
     Variant result;
-
     EXPECT_TRUE(CheckValid(flange, pipeClass, true, result, &refuse));
-    EXPECT_EQ(refuse.calls, 0);
-
     world.attribute(pipeClass, "GD.ECHECK", "1");
     EXPECT_TRUE(CheckValid(flange, pipeClass, false, result, &refuse));
     EXPECT_EQ(refuse.calls, 0);
     EXPECT_FALSE(CheckValid(flange, pipeClass, true, result, &refuse));
     EXPECT_EQ(refuse.calls, 1);
     EXPECT_EQ(result, Variant("checked"));
-
     // A failing check object is ignored, not reported: the result stays true.
     ScriptedCheck failing(ScriptedCheck::Mode::Fail);
     EXPECT_TRUE(CheckValid(flange, pipeClass, true, result, &failing));
-    EXPECT_THAT(world.host().errors(), IsEmpty());
+    EXPECT_EQ(world.reported(), "");
 }
 
 TEST_F(Validity, CatalogueChildMatchesOnlyByPatternWithX)
 {
     const auto menu = world.device(catalog, "@Menu");
-    const auto exact = world.device(menu, "12345");
-    const auto pattern = world.device(menu, "123XX");
-    const auto later = world.device(menu, "12XXX");
-    const auto shortName = world.device(menu, "1");
-    (void)exact;
-    (void)later;
-    (void)shortName;
-
-    EXPECT_EQ(MapCDeviceToXXX(menu, "12345"), pattern);
-    EXPECT_EQ(MapCDeviceToXXX(menu, "12399"), pattern);
-    EXPECT_EQ(MapCDeviceToXXX(menu, "12000"), later);
-    EXPECT_EQ(MapCDeviceToXXX(menu, "99999"), nullptr);
-    EXPECT_EQ(MapCDeviceToXXX(menu, ""), nullptr);
-    EXPECT_EQ(MapCDeviceToXXX(nullptr, "12345"), nullptr);
-
+    for (const auto* name : {"12345", "123XX", "12XXX", "1", "100XX"}) world.device(menu, name);
+    const auto mapped = [&](std::string_view code) {
+        const auto found = MapCDeviceToXXX(menu, code);
+        return found ? found->Name() : "-";
+    };
     // Pipe-class codes never map, whatever the children are called.
-    world.device(menu, "100XX");
-    EXPECT_EQ(MapCDeviceToXXX(menu, "10003"), nullptr);
-    EXPECT_THAT(world.host().errors(), IsEmpty());
-
+    EXPECT_EQ(mapped("12345") + " " + mapped("12399") + " " + mapped("12000") + " " + mapped("99999") + " " +
+                  mapped("") + " " + mapped("10003"),
+              "123XX 123XX 12XXX - - -");
+    EXPECT_EQ(MapCDeviceToXXX(nullptr, "12345"), nullptr);
+    EXPECT_EQ(world.reported(), "");
     // A code that is no number is an error of the routine.
-    EXPECT_EQ(MapCDeviceToXXX(menu, "FLAN"), nullptr);
-    ASSERT_EQ(world.host().errors().size(), 1u);
-    EXPECT_EQ(world.host().errors()[0].function, "Function MapCDeviceToXXX");
+    EXPECT_EQ(mapped("FLAN"), "-");
+    EXPECT_EQ(world.reported(), "Function MapCDeviceToXXX");
 }
 
 }  // namespace

@@ -29,21 +29,33 @@ TEST(PipeSpecHelper, GenericTypeComesFromTheFirstMenuPatternThatFitsTheCode)
     EXPECT_EQ(helper.GenericTypeOfFunctionCode(root, 20000), "");
 }
 
-TEST(PipeSpecHelper, FindComponentsMatchesCodeAndFirstDiameter)
+TEST(PipeSpecHelper, FindComponentsTakesTheElementsOfTheCodeWhoseNameRangeHoldsTheDiameter)
 {
     support::World world;
     const auto pipeClass = world.pipeClass(world.path(world.plant(), "@20|PIPECLASSES"), "PC", "10000");
-    const auto small = world.device(pipeClass, "E1", {{"GD.VFCD", "10100"}, {"CONN.DN1", "50"}});
-    const auto large = world.device(pipeClass, "E2", {{"GD.VFCD", "10100"}, {"CONN.DN1", "100"}});
-    world.device(pipeClass, "E3", {{"GD.VFCD", "10200"}, {"CONN.DN1", "100"}});
+    const auto element = [&](const char* name, const char* code, const char* lower, const char* upper) {
+        world.device(pipeClass, name, {{"GD.VFCD", code}, {"NR.DNFROM", lower}, {"NR.DNTO", upper}});
+    };
+    element("E1", "10100", "15", "50");
+    element("E2", "10100", "65", "200");  // "100" < "65" as texts: numbers are compared
+    element("E3", "10100", "100", "");    // a bound not set leaves that side open
+    element("E4", "10200", "15", "600");
     platform::PipeSpecHelper helper(world.tracer().Names());
     helper.SetSearchRoot(pipeClass);
+    const auto found = [&](std::string_view code, std::string_view diameter) {
+        std::string names;
+        const auto list = helper.FindComponents(0, code, diameter);
+        for (int i = 1; i <= list->Count(); ++i) names += list->Item(i)->Name() + " ";
+        return names;
+    };
 
-    const auto found = helper.FindComponents(0, "10100", "100");
-    ASSERT_EQ(found->Count(), 1);
-    EXPECT_EQ(found->Item(1), large);
-    EXPECT_EQ(helper.FindComponents(0, "10100", "")->Count(), 2);
-    EXPECT_EQ(helper.FindComponents(0, "10100", "50")->Item(1), small);
+    EXPECT_EQ(found("10100", "100"), "E2 E3 ");
+    EXPECT_EQ(found("10100", "50"), "E1 ") << "both bounds belong to the range";
+    EXPECT_EQ(found("10100", "65"), "E2 ");
+    EXPECT_EQ(found("10100", "900"), "E3 ");
+    EXPECT_EQ(found("10100", ""), "E1 E2 E3 ");
+    EXPECT_EQ(found("", "100"), "E2 E3 E4 ");
+    EXPECT_EQ(checks::errorNumber([&] { found("10100", "DN 100"); }), err::InvalidCall);
     EXPECT_EQ(checks::errorNumber([&] { helper.FindComponents(1, "10100", ""); }), err::InvalidCall);
 }
 

@@ -6,6 +6,20 @@
 
 namespace pipespec::support {
 
+namespace {
+// The parts between the separators: "@40|A20" gives "@40" and "A20".
+std::vector<std::string> split(std::string_view path, char separator)
+{
+    std::vector<std::string> parts;
+    for (std::size_t from = 0;;) {
+        const auto at = path.find(separator, from);
+        parts.emplace_back(path.substr(from, at - from));
+        if (at == std::string_view::npos) return parts;
+        from = at + 1;
+    }
+}
+}  // namespace
+
 World::World()
     : names_(platform::JsonNameTable::load(platform::JsonNameTable::shippedPath())->overlaid(nlohmann::json::object(), "tests")),
       host_(std::make_unique<diagnostics::ScopedHeadlessHost>(names_)),
@@ -25,15 +39,24 @@ std::shared_ptr<platform::Device> store(const DeviceRef& device)
     return std::dynamic_pointer_cast<platform::Device>(device);
 }
 
+std::string join(const std::vector<std::string>& parts, std::string_view separator)
+{
+    std::string joined;
+    for (std::size_t i = 0; i < parts.size(); ++i) joined.append(i > 0 ? separator : "").append(parts[i]);
+    return joined;
+}
+
 DeviceRef World::root(const std::shared_ptr<platform::StoreProject>& project, const std::string& name) const
 {
     if (auto existing = project->root(name)) return existing;
     return project->addRoot(name);
 }
 
-DeviceRef World::device(const DeviceRef& owner, const std::string& name, Attributes attributes) const
+DeviceRef World::device(const DeviceRef& owner, const std::string& name, Attributes attributes,
+                        const DeviceRef& base) const
 {
     auto made = asDevice(owner->OwnElements()->CreateNewWithName(name));
+    if (base) made->SetCDevice(base);
     for (const auto& [qualified, value] : attributes) attribute(made, qualified, value);
     return made;
 }
@@ -41,11 +64,7 @@ DeviceRef World::device(const DeviceRef& owner, const std::string& name, Attribu
 SpecRef World::attribute(const DeviceRef& device, const std::string& qualifiedName, const std::string& value) const
 {
     SpecRef spec;
-    std::string_view rest = qualifiedName;
-    while (!rest.empty()) {
-        const auto dot = rest.find('.');
-        const std::string level(rest.substr(0, dot));
-        rest = dot == std::string_view::npos ? std::string_view() : rest.substr(dot + 1);
+    for (const auto& level : split(qualifiedName, '.')) {
         const auto members = spec ? spec->OwnSpecifications() : device->SpecsByName();
         auto own = asSpec(spec ? members->Item(level) : store(device)->ownSpecs().find(level));
         spec = own ? own : asSpec(members->CreateNewWithName(level));
@@ -60,6 +79,14 @@ std::string World::value(const ObjectRef& object, const std::string& qualifiedNa
     return spec ? spec->Value() : "(none)";
 }
 
+std::string World::listed(const ObjectRef& object, const std::string& qualifiedName) const
+{
+    std::vector<std::string> values;
+    if (const auto spec = must(object).Spec(qualifiedName))
+        for (int i = 0; i < spec->RowCount(); ++i) values.push_back(spec->GetXValue(i));
+    return join(values);
+}
+
 SpecRef World::list(const DeviceRef& device, const std::string& qualifiedName,
                     const std::vector<std::string>& values) const
 {
@@ -70,18 +97,11 @@ SpecRef World::list(const DeviceRef& device, const std::string& qualifiedName,
 
 DeviceRef World::path(const std::shared_ptr<platform::StoreProject>& project, const std::string& path) const
 {
-    DeviceRef at;
-    std::string_view rest = path;
-    while (!rest.empty()) {
-        const auto bar = rest.find('|');
-        const std::string name(rest.substr(0, bar));
-        rest = bar == std::string_view::npos ? std::string_view() : rest.substr(bar + 1);
-        if (!at) {
-            at = root(project, name);
-            continue;
-        }
-        auto existing = asDevice(at->OwnElements()->Item(name));
-        at = existing ? existing : device(at, name);
+    const auto names = split(path, '|');
+    DeviceRef at = root(project, names.front());
+    for (std::size_t i = 1; i < names.size(); ++i) {
+        auto existing = asDevice(at->OwnElements()->Item(names[i]));
+        at = existing ? existing : device(at, names[i]);
     }
     return at;
 }
@@ -110,11 +130,7 @@ std::shared_ptr<platform::StandardTable> World::tableAt(const std::shared_ptr<pl
                                                         const std::string& path) const
 {
     auto at = project->tableRoot();
-    std::string_view rest = path;
-    while (!rest.empty()) {
-        const auto bar = rest.find('|');
-        const std::string name(rest.substr(0, bar));
-        rest = bar == std::string_view::npos ? std::string_view() : rest.substr(bar + 1);
+    for (const auto& name : split(path, '|')) {
         const auto existing = at->child(name);
         at = existing ? existing : at->createChild(name);
     }
@@ -137,20 +153,28 @@ void World::setLinkedCount(const SpecRef& spec, int count) const
 }
 void World::setPipeClassRoot(const DeviceRef& root) const { workset()->globals()->setPipeClassRootCDevice(root); }
 
-std::vector<std::string> World::traceTexts(std::string_view function) const
+std::vector<std::string> World::traceTexts(std::string_view function, diagnostics::TraceKind kind) const
 {
     std::vector<std::string> texts;
     for (const auto& line : tracer().lines())
-        if (line.function == function && line.kind == diagnostics::TraceKind::Text) texts.push_back(line.text);
+        if (line.function == function && line.kind == kind) texts.push_back(line.text);
     return texts;
 }
 
-std::vector<std::string> World::traceLines(std::string_view function) const
+std::vector<std::string> World::trace(std::string_view function) const
 {
     std::vector<std::string> lines;
     for (const auto& line : tracer().lines())
-        if (line.function == function) lines.push_back(diagnostics::HeadlessTools::format(line));
+        if (line.function == function)
+            lines.push_back(diagnostics::HeadlessTools::format(line).substr(line.cls.size() + function.size() + 3));
     return lines;
+}
+
+std::string World::reported() const
+{
+    std::vector<std::string> functions;
+    for (const auto& report : host().errors()) functions.push_back(report.function);
+    return join(functions, "; ");
 }
 
 }  // namespace pipespec::support

@@ -26,6 +26,8 @@ public:
     const std::shared_ptr<platform::Database>& database() const { return database_; }
     const std::shared_ptr<platform::StoreProject>& base() const { return base_; }
     const std::shared_ptr<platform::StoreProject>& plant() const { return plant_; }
+    // The catalogue root "@40" of the base project.
+    DeviceRef catalog() const { return root(base_, "@40"); }
     std::shared_ptr<platform::StoreWorkset> workset() const { return database_->workset(); }
     diagnostics::HeadlessUtilities& host() const { return host_->utilities(); }
     diagnostics::HeadlessTools& tracer() const { return host_->tools(); }
@@ -35,13 +37,17 @@ public:
 
     // The fixed root of that name, made on first use.
     DeviceRef root(const std::shared_ptr<platform::StoreProject>& project, const std::string& name) const;
-    // A device under `owner` with attributes by qualified name ("GD.VFCD");
-    // missing chapters are made on the way.
-    DeviceRef device(const DeviceRef& owner, const std::string& name, Attributes attributes = {}) const;
+    // A device under `owner` made from `base`, with attributes by qualified
+    // name ("GD.VFCD"); missing chapters are made on the way.
+    DeviceRef device(const DeviceRef& owner, const std::string& name, Attributes attributes = {},
+                     const DeviceRef& base = nullptr) const;
     // Writes (and makes, where missing) the attribute of that qualified name.
     SpecRef attribute(const DeviceRef& device, const std::string& qualifiedName, const std::string& value) const;
     // The value of the attribute of that qualified name; "(none)" when there is none.
     std::string value(const ObjectRef& object, const std::string& qualifiedName) const;
+    // The indexed values of the attribute of that qualified name, blank
+    // between them; "" when there is none.
+    std::string listed(const ObjectRef& object, const std::string& qualifiedName) const;
     // An attribute holding a list, one indexed value per entry from 0.
     SpecRef list(const DeviceRef& device, const std::string& qualifiedName,
                  const std::vector<std::string>& values) const;
@@ -71,10 +77,14 @@ public:
     // The base object of the pipe classes, kept in the workset's Globals.
     void setPipeClassRoot(const DeviceRef& root) const;
 
-    // The text of every TraceText line of that function, in order.
-    std::vector<std::string> traceTexts(std::string_view function) const;
-    // Every trace line of that function, formatted as the headless host shows them.
-    std::vector<std::string> traceLines(std::string_view function) const;
+    // The text of every trace line of that kind and function, in order.
+    std::vector<std::string> traceTexts(std::string_view function,
+                                        diagnostics::TraceKind kind = diagnostics::TraceKind::Text) const;
+    // Every trace line of that function as the headless host shows it, after
+    // its class and function: "enter", "VFCDVal = 91500", "leave: no".
+    std::vector<std::string> trace(std::string_view function) const;
+    // The function of every error report, "; " between them: "" when none.
+    std::string reported() const;
 
 private:
     std::shared_ptr<platform::JsonNameTable> names_;
@@ -83,6 +93,9 @@ private:
     std::shared_ptr<platform::StoreProject> base_;
     std::shared_ptr<platform::StoreProject> plant_;
 };
+
+// The parts with the separator between them: "A B C".
+std::string join(const std::vector<std::string>& parts, std::string_view separator = " ");
 
 // The store's device behind a reference the logic holds.
 std::shared_ptr<platform::Device> store(const DeviceRef& device);

@@ -186,7 +186,6 @@ bool StoredObject::CanMakePersistent() const
 void StoredObject::checkWritable() const
 {
     if (deleted_) throw PlatformError(err::Deleted, SystemFullName() + " is deleted");
-    if (origin()) throw PlatformError(err::ReadOnly, SystemFullName() + " is inherited; make it persistent before writing");
     if (readOnly_) throw PlatformError(err::ReadOnly, SystemFullName() + " is read-only");
     // An unowned copy is not yet in any project's care; the fixed roots are.
     const auto project = storeProject();
@@ -198,6 +197,9 @@ void StoredObject::checkWritable() const
 void StoredObject::write(const std::function<void()>& apply, std::function<void()> revert, const Notice& notice)
 {
     checkWritable();
+    // A temporary object shows what it inherits: a write to it is accepted and
+    // lost, neither recorded nor stored, unless it was made persistent first.
+    if (origin()) return;
     apply();
     changed(notice);
     const auto project = storeProject();
@@ -257,6 +259,7 @@ void StoredObject::markDeleted(bool deleted) { deleted_ = deleted; }
 int StoredObject::Delete()
 {
     checkWritable();
+    if (origin()) return 0;  // inherited: it stays, as a write to it would
     const auto parent = owner();
     if (!parent) throw PlatformError(err::InvalidCall, SystemFullName() + " is not in the database");
     // The owner loses a member, so it has to be writable too.

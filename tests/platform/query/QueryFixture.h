@@ -4,6 +4,7 @@
 // over them, and stand-ins for the two objects a list control gives the
 // engine: the server of extended cells and the grid's event sink.
 
+#include "diagnostics/HeadlessHost.h"
 #include "objectmodel/Grid.h"
 #include "platform/store/ObjectFactory.h"
 #include "support/World.h"
@@ -19,51 +20,48 @@
 
 namespace pipespec::testing {
 
-// Serves extended cells from tables by column key and records what it is asked.
+// Serves extended cells by column key ("Key" for every row, "Key/RowName" for
+// one) and records what it is asked and given.
 class ServedCells final : public IExtended {
 public:
     int Version() const override { return 12; }
-
-    Variant CellValue(const ObjectRef& row, const QueryColumnRef& column, int position, const ObjectRef& cellObject) override
+    Variant CellValue(const ObjectRef& row, const QueryColumnRef& column, int position,
+                      const ObjectRef& cellObject) override
     {
         ++valueReads;
         lastPosition = position;
         lastCellObject = cellObject;
         const auto perRow = values.find(column->Key() + "/" + must(row).Name());
-        if (perRow != values.end()) return perRow->second;
-        const auto found = values.find(column->Key());
-        return found == values.end() ? Variant() : found->second;
+        return perRow != values.end() ? perRow->second : values[column->Key()];
     }
-
-    void SetCellValue(const ObjectRef& row, const QueryColumnRef& column, int, const ObjectRef&, const Variant& value) override
+    // "Row/Key=value" per write.
+    void SetCellValue(const ObjectRef& row, const QueryColumnRef& column, int, const ObjectRef&,
+                      const Variant& value) override
     {
-        written.emplace_back(must(row).Name() + "/" + column->Key(), value);
+        written.push_back(must(row).Name() + "/" + column->Key() + "=" + diagnostics::describeValue(value));
     }
-
     ObjectRef CellObject(const ObjectRef&, const QueryColumnRef& column, int, const ObjectRef&) override
     {
-        const auto found = objects.find(column->Key());
-        return found == objects.end() ? nullptr : found->second;
+        return objects[column->Key()];
     }
-
-    void CellValueItems(const ObjectRef&, const QueryColumnRef& column, int, const ObjectRef&, ICellItems& items) override
+    void CellValueItems(const ObjectRef&, const QueryColumnRef& column, int, const ObjectRef&,
+                        ICellItems& items) override
     {
         if (column->ExtendedKind() == extendedkind::CheckBox) items.SetKind(cellitems::TwoState);
     }
-
     void ShutDown() override { shutDown = true; }
 
-    // "Key" for every row, "Key/RowName" for one row.
     std::map<std::string, Variant> values;
     std::map<std::string, ObjectRef> objects;
     int valueReads = 0;
     int lastPosition = 0;
     ObjectRef lastCellObject;
-    std::vector<std::pair<std::string, Variant>> written;
+    std::vector<std::string> written;
     bool shutDown = false;
 };
 
-// Records every event as a line ("HeadClick Name") and answers as told.
+// Records every event as a line ("HeadClick Name"), refuses what can be
+// refused while `refuse` is set, and answers drags with `dragEffect`.
 class RecordingSink final : public IQGridEvents {
 public:
     int Version() override
@@ -76,14 +74,12 @@ public:
     {
         std::string keys;
         for (const auto& column : columns) keys += " " + column->Key();
-        record("BeforeColumnsDelete" + keys);
-        cancel = refuse;
+        cancel = record("BeforeColumnsDelete" + keys);
     }
     void AfterColumnsDelete() override { record("AfterColumnsDelete"); }
     void BeforeRowsDelete(const CollectionRef& rows, bool& cancel) override
     {
-        record("BeforeRowsDelete " + std::to_string(rows->Count()));
-        cancel = refuse;
+        cancel = record("BeforeRowsDelete " + std::to_string(rows->Count()));
     }
     void AfterRowsDelete() override { record("AfterRowsDelete"); }
     void OLECompleteDrag(int effect) override { record("OLECompleteDrag " + std::to_string(effect)); }
@@ -92,15 +88,10 @@ public:
         record("OLEDragDrop " + std::to_string(effect));
         dropped = data;
     }
-    void OLEDragOver(const Variant&, int& effect) override
-    {
-        record("OLEDragOver");
-        effect = dragEffect;
-    }
+    void OLEDragOver(const Variant&, int& effect) override { effect = drag("OLEDragOver"); }
     void OLEStartDrag(const Variant& data, int& allowedEffects) override
     {
-        record("OLEStartDrag " + std::to_string(data.collection() ? data.collection()->Count() : 0));
-        if (refuse) allowedEffects = dropeffect::None;
+        if (record("OLEStartDrag " + std::to_string(data.collection()->Count()))) allowedEffects = dropeffect::None;
     }
     void OLETitleDragDrop(const Variant&, int& effect, const QueryColumnRef& column) override
     {
@@ -108,21 +99,18 @@ public:
     }
     void OLETitleDragOver(const Variant&, int& effect, const QueryColumnRef& column) override
     {
-        record("OLETitleDragOver " + column->Key());
-        effect = dragEffect;
+        effect = drag("OLETitleDragOver " + column->Key());
     }
     void DblClick() override { record("DblClick"); }
-    void PopUp(const PopUpMenuRef& menu) override
+    void PopUp(const PopUpMenuRef& menu) override { fill(*menu, "PopUp"); }
+    void PopUpSubMenu(const PopUpMenuRef&, std::string_view key) override
     {
-        record("PopUp");
-        if (fillMenu) fillMenu(*menu);
+        record("PopUpSubMenu " + std::string(key));
     }
-    void PopUpSubMenu(const PopUpMenuRef&, std::string_view key) override { record("PopUpSubMenu " + std::string(key)); }
     void PopUpCmd(const PopUpMenuRef&, std::string_view key) override { record("PopUpCmd " + std::string(key)); }
     void TitlePopUp(const PopUpMenuRef& menu, const QueryColumnRef& column) override
     {
-        record("TitlePopUp " + column->Key());
-        if (fillMenu) fillMenu(*menu);
+        fill(*menu, "TitlePopUp " + column->Key());
     }
     void TitlePopUpSubMenu(const PopUpMenuRef&, std::string_view key, const QueryColumnRef& column) override
     {
@@ -138,8 +126,7 @@ public:
     }
     void BeforeCellEdit(const ObjectRef& row, const QueryColumnRef& column, bool& cancel) override
     {
-        record("BeforeCellEdit " + row->Name() + " " + column->Key());
-        cancel = refuse;
+        cancel = record("BeforeCellEdit " + row->Name() + " " + column->Key());
     }
     void BeforeCreateStdPopUp(const PopUpMenuRef&) override { record("BeforeCreateStdPopUp"); }
     void HeadClick(const QueryColumnRef& column) override { record("HeadClick " + column->Key()); }
@@ -147,7 +134,7 @@ public:
     void ColumnsChanged() override { record("ColumnsChanged"); }
 
     // The events since the last call.
-    std::vector<std::string> take() { return std::exchange(events, {}); }
+    std::vector<std::string> take() { return std::exchange(events_, {}); }
 
     bool refuse = false;
     int dragEffect = dropeffect::None;
@@ -155,8 +142,23 @@ public:
     Variant dropped;
 
 private:
-    void record(std::string line) { events.push_back(std::move(line)); }
-    std::vector<std::string> events;
+    // Whether to refuse the event.
+    bool record(std::string line)
+    {
+        events_.push_back(std::move(line));
+        return refuse;
+    }
+    int drag(std::string line)
+    {
+        record(std::move(line));
+        return dragEffect;
+    }
+    void fill(IPopUpMenu& menu, std::string line)
+    {
+        record(std::move(line));
+        if (fillMenu) fillMenu(menu);
+    }
+    std::vector<std::string> events_;
 };
 
 // BASE holds the catalogue: a flange (code 10100, from the value list
@@ -168,36 +170,20 @@ class QueryFixture : public ::testing::Test {
 protected:
     QueryFixture()
     {
-        const auto functions = world.table(world.base(), "Funktion", {"10100", "10200", "71000"});
         functions->row("10100")->SetDescription("Flange");
         functions->row("10200")->SetDescription("Blind flange");
         functions->row("71000")->SetDescription("Tee");
-        const auto catalogue = world.root(world.base(), "@40");
-        flange = world.device(catalogue, "FL-1", {{"GD.VFCD", "10100"}});
         flange->SetDescription("Weld neck flange");
-        flange->Spec("GD.VFCD")->SetStandardTable(functions);
-        tee = world.device(catalogue, "TE-1", {{"GD.VFCD", "71000"}});
-        tee->Spec("GD.VFCD")->SetStandardTable(functions);
-
-        pipeClass = world.pipeClass(world.root(world.plant(), "@20"), "PC-1", "10000");
-        e1 = element("E1", flange);
-        e2 = element("E2", tee);
-        e3 = element("E3", flange);
-        world.attribute(e3, "GD.VFCD", "10200");
-        e3->Spec("GD.VFCD")->SetStandardTable(functions);
+        for (const auto& coded : {flange, tee, e3}) coded->Spec("GD.VFCD")->SetStandardTable(functions);
     }
 
-    DeviceRef element(const std::string& name, const DeviceRef& component)
+    DeviceRef element(const std::string& name, const DeviceRef& component, support::Attributes more = {}) const
     {
-        auto made = world.device(pipeClass, name);
+        auto made = world.device(pipeClass, name, more, component);
         made->SetDescription("Element " + name);
-        made->SetCDevice(component);
-        const auto range = world.attribute(made, "RANGE.DN", "");
-        range->SetXValue(0, "15");
-        range->SetXValue(1, "100");
+        world.list(made, "RANGE.DN", {"15", "100"});
         return made;
     }
-
     // The elements as row objects, in this order.
     CollectionRef rows(std::initializer_list<DeviceRef> objects) const
     {
@@ -205,7 +191,6 @@ protected:
         for (const auto& object : objects) list->Add(object);
         return list;
     }
-
     QueryColumnRef column(const std::string& key, int valueKind, int sourceKind = sourcekind::None,
                           const std::string& sourceName = "") const
     {
@@ -214,17 +199,46 @@ protected:
         if (sourceKind != sourcekind::None) made->Source()->Set(sourceKind, sourceName);
         return made;
     }
-
-    // The names of the rows the query shows, in order.
-    std::vector<std::string> shownNames() const
+    // A column whose cells the server serves.
+    QueryColumnRef extended(const std::string& key, int kind = extendedkind::Value) const
+    {
+        auto made = column(key, valuekind::None);
+        made->SetExtendedKind(kind);
+        return made;
+    }
+    // A server registered as the list control registers it.
+    std::shared_ptr<ServedCells> serve(std::map<std::string, Variant> values = {}) const
+    {
+        auto served = std::make_shared<ServedCells>();
+        served->values = std::move(values);
+        query->Top()->RegisterExtended("QuorlPipeSpecComp.PipeSpecComp", served);
+        return served;
+    }
+    // The names of the rows the query shows, in order: "E1 E3".
+    std::string shown() const
     {
         std::vector<std::string> names;
         for (int row = 1; row <= query->RowCount(); ++row) names.push_back(query->RowObject(row)->Name());
-        return names;
+        return support::join(names);
+    }
+    // The texts of a row's cells: "E1|Flange".
+    std::string cells(int row, std::initializer_list<QueryColumnRef> columns) const
+    {
+        std::vector<std::string> texts;
+        for (const auto& column : columns) texts.push_back(query->CellText(row, column));
+        return support::join(texts, "|");
     }
 
     support::World world;
-    DeviceRef flange, tee, pipeClass, e1, e2, e3;
+    std::shared_ptr<platform::StandardTable> functions =
+        world.table(world.base(), "Funktion", {"10100", "10200", "71000"});
+    DeviceRef catalogue = world.root(world.base(), "@40");
+    DeviceRef flange = world.device(catalogue, "FL-1", {{"GD.VFCD", "10100"}});
+    DeviceRef tee = world.device(catalogue, "TE-1", {{"GD.VFCD", "71000"}});
+    DeviceRef pipeClass = world.pipeClass(world.root(world.plant(), "@20"), "PC-1", "10000");
+    DeviceRef e1 = element("E1", flange);
+    DeviceRef e2 = element("E2", tee);
+    DeviceRef e3 = element("E3", flange, {{"GD.VFCD", "10200"}});
     QueryRef query = platform::createQuery("QuorlQuery.Query");
 };
 

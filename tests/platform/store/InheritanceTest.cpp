@@ -112,8 +112,9 @@ TEST(Inheritance, MakePersistentTurnsTheTemporaryObjectItselfIntoAStoredOne)
     must(std::dynamic_pointer_cast<platform::Specification>(chain.kind->Spec("CONN.DN1"))).setValueLocked(true);
     const auto inherited = user->Spec("CONN.DN1");
     ASSERT_TRUE(inherited->CanMakePersistent());
-    EXPECT_EQ(errorNumber([&] { inherited->SetValue("200"); }), err::ReadOnly);
+    inherited->SetValue("200");  // accepted and lost: not stored, not undone
     EXPECT_EQ(inherited->Value(), "100");
+    EXPECT_TRUE(inherited->SystemTemporary());
     EXPECT_TRUE(inherited->IsValueLocked(0)) << "locked where it comes from";
 
     inherited->MakePersistent();
