@@ -3,7 +3,7 @@
 // and range, and the cache entry of the pipe class.
 
 #include "objectmodel/Options.h"
-include "diagnostics/ServiceRegistry.h"
+#include "diagnostics/ServiceRegistry.h"
 #include "diagnostics/Translate.h"
 #include "elements/AddToPipeClass.h"
 #include "elements/RangeControl.h"
