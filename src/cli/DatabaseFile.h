@@ -26,7 +26,8 @@ std::filesystem::path defaultDatabasePath();
 
 class DatabaseFile {
 public:
-    // Read never writes the file; Change refuses a write-protected one up
+    // Read writes nothing of its own (what a killed run left half done is
+    // rolled back); Change refuses a write-protected one up
     // front (even for root), before anything is changed in memory.
     enum class Use { Read, Change };
 

@@ -13,7 +13,8 @@
 // another file. New objects thus never meet another session's under one
 // UniqueId in the file. A lock that another session holds for the moment of
 // its save is waited for a few seconds. Opening, and a session that does not
-// write, leave the file as it was, byte for byte.
+// write, leave a file as it was, byte for byte; what a killed session left
+// half done is rolled back by the next one to open the file, a reader too.
 //
 // What is kept: projects with base project, access rights, languages and
 // options; the system and current project; every device, attribute, chapter,
@@ -33,7 +34,10 @@
 // Errors: a file that is not ours, of a newer version or damaged is error
 // Configuration and nothing is written; a file opened read-only, write
 // protected, or a change to a project without write access is error ReadOnly
-// and nothing is written; a failing disk is error FileAccess.
+// and nothing is written; a file written by another session since it was
+// read is error FileChanged and nothing is written; a failing disk, a lock
+// held longer than a few seconds and anything but a regular file are error
+// FileAccess.
 
 #include "platform/store/Database.h"
 
