@@ -41,7 +41,7 @@ LanguageTable LanguageTable::parse(std::string_view json, std::string_view origi
     nlohmann::json document;
     try {
         document = nlohmann::json::parse(json);
-    } catch (const nlohmann::json::parse_error& e) {
+    } catch (const nlohmann::json::exception& e) {  // a syntax error, or a number beyond a double
         configurationError(origin, e.what());
     }
     if (!document.is_object()) configurationError(origin, "expected an object of key -> text");

@@ -31,7 +31,7 @@ std::shared_ptr<JsonNameTable> JsonNameTable::load(const std::filesystem::path& 
     nlohmann::json document;
     try {
         document = nlohmann::json::parse(in);
-    } catch (const nlohmann::json::parse_error& e) {
+    } catch (const nlohmann::json::exception& e) {  // a syntax error, or a number beyond a double
         configurationError(file.string(), e.what());
     }
     return parse(document, file.string());

@@ -132,7 +132,8 @@ TEST_F(LanguageFiles, AMissingLanguageMeansTheDefaults)
 TEST_F(LanguageFiles, ADamagedFileIsAConfigurationError)
 {
     for (const char* content :
-         {R"({"0017a": "Function")", R"(["0017a"])", R"({"0017a": 5})", R"({"Funktion": "Function"})", ""})
+         {R"({"0017a": "Function")", R"(["0017a"])", R"({"0017a": 5})", R"({"Funktion": "Function"})", "",
+          R"({"0017a": 1E400})"})
         EXPECT_EQ(errorNumber([&] { (void)LanguageTable::load(write(content)); }), err::Configuration) << content;
 }
 

@@ -3,10 +3,13 @@
 
 #include "objectmodel/ExpectError.h"
 #include "platform/JsonProject.h"
+#include "support/TempDirectory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+
+#include <fstream>
 
 namespace pipespec {
 namespace {
@@ -115,6 +118,16 @@ TEST(JsonNameTable, MissingLeavesAndSubTreesAreConfigurationErrors)
         (void)names->GD().Selector();
     } catch (const PlatformError& e) {
         EXPECT_THAT(e.what(), HasSubstr("Names.GD.Selector"));
+    }
+}
+
+TEST(JsonNameTable, ADamagedFileIsAConfigurationError)
+{
+    const support::TempDirectory directory;
+    for (const char* content : {R"({"NameRange": "NR")", R"({"NameRange": 1E400})", R"({"GD": [1]})"}) {
+        std::ofstream(directory / "names.json") << content;
+        EXPECT_EQ(checks::errorNumber([&] { (void)JsonNameTable::load(directory / "names.json"); }), err::Configuration)
+            << content;
     }
 }
 
