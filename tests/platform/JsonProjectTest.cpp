@@ -124,11 +124,14 @@ TEST(JsonNameTable, MissingLeavesAndSubTreesAreConfigurationErrors)
 TEST(JsonNameTable, ADamagedFileIsAConfigurationError)
 {
     const support::TempDirectory directory;
-    for (const char* content : {R"({"NameRange": "NR")", R"({"NameRange": 1E400})", R"({"GD": [1]})"}) {
+    const auto deep = std::string(100, '{') + std::string(100, '}');
+    for (const auto& content : {std::string(R"({"NameRange": "NR")"), std::string(R"({"NameRange": 1E400})"),
+                                std::string(R"({"GD": [1]})"), deep}) {
         std::ofstream(directory / "names.json") << content;
         EXPECT_EQ(checks::errorNumber([&] { (void)JsonNameTable::load(directory / "names.json"); }), err::Configuration)
             << content;
     }
+    EXPECT_EQ(checks::errorNumber([&] { (void)shippedNames()->overlaid(json::parse(deep), "inline"); }), err::Configuration);
 }
 
 }  // namespace
