@@ -48,7 +48,8 @@ public:
         : path_(std::filesystem::temp_directory_path() /
                 ("pipespec-fuzz-" + std::to_string(getpid()) + std::string(extension)))
     {
-        std::ofstream(path_, std::ios::binary | std::ios::trunc).write(content.data(), static_cast<std::streamsize>(content.size()));
+        std::ofstream(path_, std::ios::binary | std::ios::trunc)
+            .write(content.data(), static_cast<std::streamsize>(content.size()));
     }
     ~TempFile()
     {

@@ -10,7 +10,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto key = pipespec::fuzz::text(data, size);
 
     require(isQuestion(key) == key.starts_with(Prefix), "a question key starts with the prefix");
-    if (isQuestion(key)) require(std::string(Prefix) + nestedName(key) == key, "the nested name is the rest of the key");
+    if (isQuestion(key))
+        require(std::string(Prefix) + nestedName(key) == key, "the nested name is the rest of the key");
     require(key.ends_with(attributeName(key)), "the attribute name ends the key");
     require(key.starts_with(questionPart(key)), "the question part begins the name");
     (void)isBoreText(key);

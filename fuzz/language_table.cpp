@@ -24,7 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         for (const auto& key : table.keys()) {
             const auto* text = table.find(key);
             require(text != nullptr, "every key listed has its text");
-            require(diagnostics::Translate("~" + key + " default", table) == *text, "a literal reads as the table's text");
+            require(diagnostics::Translate("~" + key + " default", table) == *text,
+                    "a literal reads as the table's text");
         }
     });
     return 0;

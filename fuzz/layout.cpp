@@ -77,7 +77,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     form.box->SetControlProperties(texts[1]);
     form.added->SetControlProperties(texts[2]);
 
-    fuzz::refusalAllowed([&] { addtopipeclass::CalcControlProperties(form.added, count > 1 ? form.box : nullptr, form.model); });
+    fuzz::refusalAllowed(
+        [&] { addtopipeclass::CalcControlProperties(form.added, count > 1 ? form.box : nullptr, form.model); });
     requireReadBack(form.added);
     requireReadBack(form.model);
     return 0;

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Builds the `fuzz` preset and runs every harness for a bounded time, each on
 # a scratch copy of its seeds in fuzz/corpus/<harness>/ (the seeds themselves
-# stay as committed) and with fuzz/<harness>.dict where there is one. A crash, a sanitizer report, a leak, a timeout or a
-# broken rule fails the run; the input that caused it is kept under
-# build/fuzz/findings/<harness>/ and named at the end, with the command that
-# replays it.
+# stay as committed) and with fuzz/<harness>.dict where there is one. A crash,
+# a sanitizer report, a leak, a timeout or a broken rule fails the run; the
+# input that caused it is kept under build/fuzz/findings/<harness>/ and named
+# at the end, with the command that replays it.
 #
 #   fuzz/run.sh                      every harness, FUZZ_SECONDS (default 7) each
 #   fuzz/run.sh layout text_rules    only those

@@ -43,7 +43,8 @@ void checkNumber(std::string_view s)
     require(text::IsNumeric(written), "Str writes a number");
     if (std::fabs(value) < 1e308) {
         const double back = text::CDbl(written);
-        require(std::fabs(back - value) <= std::fabs(value) * 1e-14 || std::fabs(value) < std::numeric_limits<double>::min(),
+        require(std::fabs(back - value) <= std::fabs(value) * 1e-14 ||
+                    std::fabs(value) < std::numeric_limits<double>::min(),
                 "Str and CDbl round-trip to 15 digits");
     }
 
@@ -64,7 +65,9 @@ void checkPositions(std::string_view s, std::string_view find)
         if (start < 1) continue;
         const int hit = text::InStr(start, s, find);
         const auto from = static_cast<std::size_t>(start - 1);
-        const auto expected = from > s.size() || s.find(find, from) == std::string_view::npos ? 0 : static_cast<int>(s.find(find, from)) + 1;
+        const auto expected = from > s.size() || s.find(find, from) == std::string_view::npos
+                                  ? 0
+                                  : static_cast<int>(s.find(find, from)) + 1;
         require(hit == expected, "InStr finds the first occurrence at or after start");
         require(text::Left(s, start - 1) + text::Mid(s, start) == s, "Left and Mid join to the whole text");
     }
