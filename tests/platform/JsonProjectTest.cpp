@@ -124,7 +124,8 @@ TEST(JsonNameTable, MissingLeavesAndSubTreesAreConfigurationErrors)
 TEST(JsonNameTable, ADamagedFileIsAConfigurationError)
 {
     const support::TempDirectory directory;
-    const auto deep = std::string(100, '{') + std::string(100, '}');
+    std::string deep = "{}";
+    for (int level = 0; level < 100; ++level) deep = R"({"A": )" + deep + "}";
     for (const auto& content : {std::string(R"({"NameRange": "NR")"), std::string(R"({"NameRange": 1E400})"),
                                 std::string(R"({"GD": [1]})"), deep}) {
         std::ofstream(directory / "names.json") << content;
