@@ -239,7 +239,7 @@ int main(int argc, char** argv)
 
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
-    TargetReporter reporter(std::unique_ptr<BenchmarkReporter>(benchmark::CreateDefaultDisplayReporter()));
+    TargetReporter reporter{std::unique_ptr<BenchmarkReporter>(benchmark::CreateDefaultDisplayReporter())};
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
     return 0;

@@ -1,5 +1,7 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build needs, only those that are missing.
+# Installs the Debian packages the build needs, only those that are missing:
+# GCC for the everyday builds; Clang, its sanitizer and libFuzzer runtimes
+# (libclang-rt-14-dev), clang-format and clang-tidy for CI's further passes.
 # Runs as root on a fresh Debian 12 machine; uses sudo otherwise.
 set -euo pipefail
 
@@ -7,6 +9,7 @@ packages=(
   g++ cmake ninja-build make pkg-config
   nlohmann-json3-dev libsqlite3-dev qt6-base-dev
   libgtest-dev libgmock-dev libbenchmark-dev
+  clang clang-format clang-tidy libclang-rt-14-dev
 )
 
 missing=()

@@ -19,8 +19,9 @@ namespace pipespec::platform {
 
 class JsonNameTable final : public INameTable {
 public:
-    // A missing or malformed table, or a node that is neither text nor
-    // object: error Configuration naming `origin` and the node.
+    // A missing or malformed table, a node that is neither text nor object,
+    // or sub-trees nested deeper than 32 levels: error Configuration naming
+    // `origin` and the node.
     static std::shared_ptr<JsonNameTable> parse(const nlohmann::json& document, std::string_view origin);
     static std::shared_ptr<JsonNameTable> load(const std::filesystem::path& file);
     // data/nametable.json of the installation.
@@ -38,11 +39,12 @@ public:
     void setBaseDatabase(bool base) { baseDatabase_ = base; }
 
 private:
-    explicit JsonNameTable(std::string path) : path_(std::move(path)) {}
+    JsonNameTable(std::string path, int depth) : path_(std::move(path)), depth_(depth) {}
     void merge(const nlohmann::json& node, std::string_view origin);
     std::shared_ptr<JsonNameTable> clone() const;
 
     std::string path_;  // "Names" or "Names.Pipe.TextSource", for errors
+    int depth_;         // 0 for the root, 1 for its sub-trees, ...
     bool baseDatabase_ = false;
     std::map<std::string, std::string, std::less<>> leaves_;
     std::map<std::string, std::shared_ptr<JsonNameTable>, std::less<>> subTrees_;

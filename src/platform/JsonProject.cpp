@@ -165,7 +165,8 @@ private:
             } catch (const std::logic_error&) {
                 fail(where, "has \"" + key + "\", which is no option number");
             }
-            later(where + " option " + key, [this, value, number, store](const std::string& place) { store(number, optionValue(value, place)); });
+            // Named copies: clang 14 cannot capture a structured binding.
+            later(where + " option " + key, [this, value = value, number, store](const std::string& place) { store(number, optionValue(value, place)); });
         }
     }
 
@@ -321,7 +322,8 @@ private:
                 if (!value.is_boolean()) fail(place, "must be true or false");
                 app->setTubrixDesignerRun(value.get<bool>());
             } else {
-                later(place, [this, app, key, value](const std::string& where) { app->setValue(key, optionValue(value, where)); });
+                // Named copies: clang 14 cannot capture a structured binding.
+                later(place, [this, app, key = key, value = value](const std::string& where) { app->setValue(key, optionValue(value, where)); });
             }
         }
     }

@@ -159,5 +159,19 @@ TEST(JsonNameTable, MissingLeavesAndSubTreesAreConfigurationErrors)
     }
 }
 
+TEST(JsonNameTable, ADamagedFileIsAConfigurationError)
+{
+    const support::TempDirectory directory;
+    std::string deep = "{}";
+    for (int level = 0; level < 100; ++level) deep = R"({"A": )" + deep + "}";
+    for (const auto& content : {std::string(R"({"NameRange": "NR")"), std::string(R"({"NameRange": 1E400})"),
+                                std::string(R"({"GD": [1]})"), deep}) {
+        std::ofstream(directory / "names.json") << content;
+        EXPECT_EQ(checks::errorNumber([&] { (void)JsonNameTable::load(directory / "names.json"); }), err::Configuration)
+            << content;
+    }
+    EXPECT_EQ(checks::errorNumber([&] { (void)shippedNames()->overlaid(json::parse(deep), "inline"); }), err::Configuration);
+}
+
 }  // namespace
 }  // namespace pipespec
