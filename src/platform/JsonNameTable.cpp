@@ -11,6 +11,9 @@ namespace pipespec::platform {
 
 namespace {
 constexpr std::string_view kBaseDatabase = "IsBaseDatabase";
+// Far beyond any real table; it keeps a hostile file from exhausting the
+// stack, as merging recurses once per level.
+constexpr int kMaxDepth = 32;
 
 [[noreturn]] void configurationError(std::string_view origin, const std::string& what)
 {
@@ -20,7 +23,7 @@ constexpr std::string_view kBaseDatabase = "IsBaseDatabase";
 
 std::shared_ptr<JsonNameTable> JsonNameTable::parse(const nlohmann::json& document, std::string_view origin)
 {
-    auto table = std::shared_ptr<JsonNameTable>(new JsonNameTable("Names"));
+    auto table = std::shared_ptr<JsonNameTable>(new JsonNameTable("Names", 0));
     table->merge(document, origin);
     return table;
 }
@@ -45,8 +48,10 @@ void JsonNameTable::merge(const nlohmann::json& node, std::string_view origin)
         } else if (value.is_string()) {
             leaves_[key] = value.get<std::string>();
         } else if (value.is_object()) {
+            if (depth_ == kMaxDepth)
+                configurationError(origin, where + " lies deeper than " + std::to_string(kMaxDepth) + " levels");
             auto& sub = subTrees_[key];
-            if (!sub) sub = std::shared_ptr<JsonNameTable>(new JsonNameTable(where));
+            if (!sub) sub = std::shared_ptr<JsonNameTable>(new JsonNameTable(where, depth_ + 1));
             sub->merge(value, origin);
         } else {
             configurationError(origin, where + " must be a text or a sub-tree");
@@ -56,7 +61,7 @@ void JsonNameTable::merge(const nlohmann::json& node, std::string_view origin)
 
 std::shared_ptr<JsonNameTable> JsonNameTable::clone() const
 {
-    auto copy = std::shared_ptr<JsonNameTable>(new JsonNameTable(path_));
+    auto copy = std::shared_ptr<JsonNameTable>(new JsonNameTable(path_, depth_));
     copy->baseDatabase_ = baseDatabase_;
     copy->leaves_ = leaves_;
     for (const auto& [key, sub] : subTrees_) copy->subTrees_[key] = sub->clone();

@@ -115,11 +115,11 @@ void reserveUniqueNumbers(std::uint64_t used)
 }
 
 namespace {
-std::atomic<std::uint64_t> changes{0};
+std::atomic<std::uint64_t> changesSinceStart{0};
 }
 
-std::uint64_t changeCount() { return changes; }
-void countChange() { ++changes; }
+std::uint64_t changeCount() { return changesSinceStart; }
+void countChange() { ++changesSinceStart; }
 
 // ---- UndoState ---------------------------------------------------------
 
