@@ -8,17 +8,21 @@
 // named by key.
 
 #include "objectmodel/Grid.h"
+#include "platform/query/GridActions.h"
 #include "platform/query/PopUpMenu.h"
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace pipespec::platform {
 
-// The layout loaded from a settings node: column widths under "Width.<key>".
+// The layout loaded from a settings node: per column key, its width in the
+// grid's units under "Width.<key>" and its 1-based place under "Position.<key>".
 class GridSettings final : public IGridSettings {
 public:
     explicit GridSettings(std::string name) : name_(std::move(name)) {}
@@ -27,6 +31,10 @@ public:
 
     // The loaded width where there is one, else the column's own.
     int columnWidth(const IQueryColumn& column) const;
+    // The loaded place, if there is one.
+    std::optional<int> columnPosition(const IQueryColumn& column) const;
+    // Writes one column's layout into a settings node, as Load reads it.
+    static void store(ObjectSetNode& node, const IQueryColumn& column, int width, int position);
 
 private:
     std::string name_;
@@ -62,7 +70,7 @@ public:
     // The keys of the visible columns, left to right.
     std::vector<std::string> shownColumns() const;
     int redrawCount() const { return redraws_; }
-    int sinkVersion() const { return sinkVersion_; }
+    int sinkVersion() const { return events_.version(); }
 
     // What a user does. Rows and columns that are not there are an error (9).
     // Change.
@@ -113,7 +121,7 @@ private:
     template <class Event>
     void raise(Event&& event) const
     {
-        if (const auto sink = sink_.lock()) event(*sink);
+        events_.raise(std::forward<Event>(event));
     }
     IQuery& query() const;
     QueryColumnRef column(std::string_view key) const;
@@ -125,8 +133,7 @@ private:
     std::shared_ptr<const PopUpMenu> openMenu(QueryColumnRef headColumn);
 
     QueryRef query_;
-    std::weak_ptr<IQGridEvents> sink_;
-    int sinkVersion_ = 0;
+    GridSink events_;
     std::shared_ptr<GridSettings> settings_;
     std::vector<ObjectRef> selection_;
     ObjectRef currentObject_;
