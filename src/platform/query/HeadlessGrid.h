@@ -9,37 +9,16 @@
 
 #include "objectmodel/Grid.h"
 #include "platform/query/GridActions.h"
+#include "platform/query/GridSettings.h"
 #include "platform/query/PopUpMenu.h"
 
-#include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 namespace pipespec::platform {
-
-// The layout loaded from a settings node: per column key, its width in the
-// grid's units under "Width.<key>" and its 1-based place under "Position.<key>".
-class GridSettings final : public IGridSettings {
-public:
-    explicit GridSettings(std::string name) : name_(std::move(name)) {}
-    void Load(const ObjectSetNodeRef& node) override;
-    std::string Name() const override { return name_; }
-
-    // The loaded width where there is one, else the column's own.
-    int columnWidth(const IQueryColumn& column) const;
-    // The loaded place, if there is one.
-    std::optional<int> columnPosition(const IQueryColumn& column) const;
-    // Writes one column's layout into a settings node, as Load reads it.
-    static void store(ObjectSetNode& node, const IQueryColumn& column, int width, int position);
-
-private:
-    std::string name_;
-    std::map<std::string, std::string> values_;
-};
 
 class HeadlessGrid final : public IQGrid {
 public:

@@ -153,9 +153,15 @@ public:
     int dragEffect = dropeffect::None;
     std::function<void(IPopUpMenu&)> fillMenu;
     Variant dropped;
+    // Hears each event as it is recorded, to look at the world at that moment.
+    std::function<void(const std::string&)> heard;
 
 private:
-    void record(std::string line) { events.push_back(std::move(line)); }
+    void record(std::string line)
+    {
+        if (heard) heard(line);
+        events.push_back(std::move(line));
+    }
     std::vector<std::string> events;
 };
 
