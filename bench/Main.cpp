@@ -60,6 +60,8 @@ constexpr Target kTargets[] = {
      Check::SpeedOfAtLeast, 0.5, "BM_PersistRawBulkInsert/1000"},
     {"BM_MemoryPerAttributeBuilt", "Heap per attribute, 1,000,000 built in memory", Check::BytesAtMost, 200},
     {"BM_MemoryPerAttributeOpened", "Heap per attribute, 1,000,000 opened from a file", Check::BytesAtMost, 200},
+    {"BM_QtGridShowQuery50k", "Qt grid: show a 50,000-row query, up to its first painted screen", Check::WallAtMost, 0.300},
+    {"BM_QtGridScrollOneScreen50k", "Qt grid: scroll 50,000 rows by one screen and paint it", Check::WallAtMost, 0.016},
 };
 
 // Repetitions unless the command line says how many: the table shows their medians.

@@ -142,25 +142,35 @@ void QtGrid::ShutDown()
 
 void QtGrid::reload(const Widths& kept)
 {
-    std::unordered_set<const IBaseObject*> selected;
-    for (const auto& object : selection_) selected.insert(object.get());
+    // What the user chose is kept by object: the rows may have moved.
+    const auto selected = std::exchange(selection_, {});
     const auto current = std::exchange(currentObject_, nullptr);
     const auto column = currentColumn_;
-
     model_->reload();
     layOutColumns(kept);
     showSortIndicator();
+    chooseAgain(selected, current, column);
+}
+
+void QtGrid::chooseAgain(const std::vector<ObjectRef>& selected, const ObjectRef& current, const QueryColumnRef& column)
+{
+    std::unordered_set<const IBaseObject*> wanted;
+    for (const auto& object : selected) wanted.insert(object.get());
     QItemSelection again;
     int currentRow = -1;
-    for (int row = 0; (!selected.empty() || current) && row < model_->rowCount(); ++row) {
+    for (int row = 0; (!wanted.empty() || current) && row < model_->rowCount(); ++row) {
         const auto object = model_->rowObject(row);
-        if (selected.count(object.get())) again.select(model_->index(row, 0), model_->index(row, 0));
         if (current && same(object, current)) currentRow = row;
+        if (!wanted.count(object.get())) continue;
+        const auto cell = model_->index(row, 0);
+        // Neighbouring rows make one range, also when all are selected.
+        if (!again.isEmpty() && again.last().bottom() == row - 1) again.last() = QItemSelectionRange(again.last().topLeft(), cell);
+        else again.select(cell, cell);
     }
     selectionModel()->select(again, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     noteSelection();
-    // Setting the current cell names a column; the current column stays
-    // as it was while the query still has it.
+    // Setting the current cell names a column; the current column stays as
+    // it was while the query still has it.
     if (currentRow >= 0)
         selectionModel()->setCurrentIndex(model_->index(currentRow, std::max(0, model_->sectionOf(column))),
                                           QItemSelectionModel::NoUpdate);
@@ -184,7 +194,9 @@ void QtGrid::layOutColumns(const Widths& kept)
         setColumnHidden(section, !column->Visible() || units == 0);
         if (isColumnHidden(section)) continue;
         const auto same = std::find_if(kept.begin(), kept.end(), [&](const auto& entry) { return entry.first == column; });
-        setColumnWidth(section, same != kept.end() ? same->second : units * unit);
+        // A column is at least as wide as its title, so that no head is cut.
+        setColumnWidth(section, same != kept.end() ? same->second
+                                                   : std::max(units * unit, horizontalHeader()->sectionSizeHint(section)));
     }
 }
 

@@ -36,9 +36,10 @@
 // Widths are given in the grid's units (SetWidth, or a loaded layout). One
 // unit is four average characters of the grid's font: the narrowest columns
 // the lists define (2 units) then hold a diameter such as "DN 100", and the
-// widest (15 units) a description of some 60 characters. A column of width 0
-// takes no room, as an invisible one. A width the user drags stays with its
-// column until the column leaves the query.
+// widest (15 units) a description of some 60 characters. A column is never
+// narrower than its title; one of width 0 takes no room, as an invisible one.
+// A width the user drags stays with its column until the column leaves the
+// query.
 //
 // Not supported: deleting or moving rows by the user (the row events are
 // never raised), the column flags SizeToContent, Refreshed and Grouping (the
@@ -135,6 +136,9 @@ private:
     // Shows the query anew: columns laid out (a column in `kept` keeps its
     // width), the selection and the current cell kept where their rows stay.
     void reload(const Widths& kept);
+    // Selects the rows of those objects that are still shown, and makes the
+    // current one current again in that column.
+    void chooseAgain(const std::vector<ObjectRef>& selected, const ObjectRef& current, const QueryColumnRef& column);
     // Keeps the objects of the selected rows, which stay what they are
     // while the query's rows change under them until the next Refresh.
     void noteSelection();
