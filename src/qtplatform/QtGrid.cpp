@@ -55,7 +55,12 @@ QtGrid::QtGrid(std::string settingsName, QWidget* parent)
     settings_->setLoadedHandler([grid = QPointer<QtGrid>(this)] {
         if (grid) grid->applyLoadedLayout();
     });
+    setUpRows();
+    setUpHeads();
+}
 
+void QtGrid::setUpRows()
+{
     setSelectionBehavior(SelectRows);
     setSelectionMode(ExtendedSelection);
     setEditTriggers(DoubleClicked | EditKeyPressed | AnyKeyPressed);
@@ -64,25 +69,28 @@ QtGrid::QtGrid(std::string settingsName, QWidget* parent)
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, &QtGrid::noteSelection);
+    connect(selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& current) {
+        currentObject_ = model_->rowObject(current.row());
+        if (current.isValid()) currentColumn_ = model_->column(current.column());
+    });
+}
 
+void QtGrid::setUpHeads()
+{
     auto* head = horizontalHeader();
     head->setSectionsClickable(true);
+    head->setSectionsMovable(true);
     head->setSortIndicatorShown(true);
     head->setSortIndicator(-1, Qt::AscendingOrder);
     head->setContextMenuPolicy(Qt::CustomContextMenu);
     head->viewport()->setAcceptDrops(true);
     head->viewport()->installEventFilter(this);
-    setColumnsMovable(true);
     connect(head, &QHeaderView::sectionClicked, this, &QtGrid::clickHead);
     connect(head, &QHeaderView::sectionMoved, this,
             [this](int section, int /*oldVisual*/, int newVisual) { columnMoved(section, newVisual); });
     connect(head, &QHeaderView::customContextMenuRequested, this, [this, head](const QPoint& at) {
         if (const auto column = model_->column(head->logicalIndexAt(at))) showMenu(head->mapToGlobal(at), column);
-    });
-    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, &QtGrid::noteSelection);
-    connect(selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& current) {
-        currentObject_ = model_->rowObject(current.row());
-        if (current.isValid()) currentColumn_ = model_->column(current.column());
     });
 }
 

@@ -119,6 +119,8 @@ private:
     // Pixel widths of the shown columns, by column.
     using Widths = std::vector<std::pair<QueryColumnRef, int>>;
 
+    void setUpRows();
+    void setUpHeads();
     // Runs a user's action and raises Change once if it moved the current
     // cell or the selection.
     template <class Action>
