@@ -203,18 +203,15 @@ class ChooserInstalled {
 public:
     explicit ChooserInstalled(const Arguments& args)
         : chooser_(std::make_shared<CommandLineChooser>(args.option("--choose").value_or("ask"), std::cin, std::cerr)),
-          previous_(addtopipeclass::setChooseSelectorView(chooser_))
+          installed_(addtopipeclass::setChooseSelectorView, chooser_)
     {
     }
-    ~ChooserInstalled() { addtopipeclass::setChooseSelectorView(previous_); }
-    ChooserInstalled(const ChooserInstalled&) = delete;
-    ChooserInstalled& operator=(const ChooserInstalled&) = delete;
 
     int asked() const { return chooser_->asked(); }
 
 private:
     std::shared_ptr<CommandLineChooser> chooser_;
-    std::shared_ptr<addtopipeclass::IChooseSelectorView> previous_;
+    diagnostics::ScopedService<addtopipeclass::IChooseSelectorView> installed_;
 };
 
 int runAdd(const Arguments& args, std::ostream& out)
@@ -237,7 +234,7 @@ int runAdd(const Arguments& args, std::ostream& out)
     json report = {{"pipeClass", pipeClass->SystemFullName()}, {"elements", json::array()}, {"refused", json::array()}};
     for (const auto& component : components) {
         if (addtopipeclass::NewPipeClassElement(component, pipeClass, false)) {
-            if (const auto made = addtopipeclass::CreatedObjects())
+            if (const auto made = addtopipeclass::CreatedObjects(*session.database().workset()))
                 for (const auto& [key, object] : *made) {
                     const auto element = asDevice(object);
                     auto described = describeElement(element);

@@ -192,15 +192,9 @@ void HeadlessUtilities::clear() noexcept
 ScopedHeadlessHost::ScopedHeadlessHost(std::shared_ptr<const INameTable> names)
     : tools_(std::make_shared<HeadlessTools>(std::move(names))),
       utilities_(std::make_shared<HeadlessUtilities>()),
-      previousTools_(setTools(tools_)),
-      previousUtilities_(setUtilities(utilities_))
+      toolsInstalled_(setTools, tools_),
+      utilitiesInstalled_(setUtilities, utilities_)
 {
-}
-
-ScopedHeadlessHost::~ScopedHeadlessHost()
-{
-    setTools(std::move(previousTools_));
-    setUtilities(std::move(previousUtilities_));
 }
 
 }  // namespace pipespec::diagnostics

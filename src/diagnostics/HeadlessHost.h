@@ -4,6 +4,7 @@
 // on. Everything the logic reports, asks or logs is kept in memory, so a
 // caller can read it back. Not synchronised: use it from one thread.
 
+#include "diagnostics/ServiceRegistry.h"
 #include "diagnostics/Translate.h"
 #include "objectmodel/ServiceInterfaces.h"
 
@@ -146,9 +147,6 @@ private:
 class ScopedHeadlessHost {
 public:
     explicit ScopedHeadlessHost(std::shared_ptr<const INameTable> names = nullptr);
-    ~ScopedHeadlessHost();
-    ScopedHeadlessHost(const ScopedHeadlessHost&) = delete;
-    ScopedHeadlessHost& operator=(const ScopedHeadlessHost&) = delete;
 
     HeadlessTools& tools() const noexcept { return *tools_; }
     HeadlessUtilities& utilities() const noexcept { return *utilities_; }
@@ -156,8 +154,8 @@ public:
 private:
     std::shared_ptr<HeadlessTools> tools_;
     std::shared_ptr<HeadlessUtilities> utilities_;
-    std::shared_ptr<IGlobalTools> previousTools_;
-    std::shared_ptr<IUtilities> previousUtilities_;
+    ScopedService<IGlobalTools> toolsInstalled_;
+    ScopedService<IUtilities> utilitiesInstalled_;
 };
 
 }  // namespace pipespec::diagnostics

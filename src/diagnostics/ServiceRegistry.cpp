@@ -3,35 +3,11 @@
 #include "diagnostics/HeadlessHost.h"
 #include "objectmodel/Errors.h"
 
-#include <mutex>
 #include <utility>
 
 namespace pipespec::diagnostics {
 
 namespace {
-
-template <class Interface, class Default>
-class ServiceSlot {
-public:
-    Interface& get()
-    {
-        const std::lock_guard lock(mutex_);
-        if (!current_) current_ = std::make_shared<Default>();
-        return *current_;
-    }
-
-    std::shared_ptr<Interface> exchange(std::shared_ptr<Interface> replacement)
-    {
-        const std::lock_guard lock(mutex_);
-        current_.swap(replacement);
-        return replacement;
-    }
-
-private:
-    std::mutex mutex_;
-    std::shared_ptr<Interface> current_;
-};
-
 ServiceSlot<IGlobalTools, HeadlessTools>& toolsSlot()
 {
     static ServiceSlot<IGlobalTools, HeadlessTools> slot;
@@ -43,7 +19,6 @@ ServiceSlot<IUtilities, HeadlessUtilities>& utilitiesSlot()
     static ServiceSlot<IUtilities, HeadlessUtilities> slot;
     return slot;
 }
-
 }  // namespace
 
 IGlobalTools& tools() { return toolsSlot().get(); }

@@ -17,8 +17,10 @@ namespace pipespec::addtopipeclass {
 
 using ObjectMap = KeyedMap<ObjectRef>;
 
-// One copy for the process. The maps are empty (not made) until the first
-// cascade, and keep their contents from one cascade to the next reset.
+// The module-level state, one per database (objectmodel/DatabaseState.h): a
+// database that closes takes it along, and another starts with none. The
+// maps are empty (not made) until the first cascade, and keep their contents
+// from one cascade to the next reset.
 struct ModuleState {
     // Source objects already turned into elements in this cascade, by SystemFullName.
     std::shared_ptr<ObjectMap> m_CreatedObjects;
@@ -27,16 +29,19 @@ struct ModuleState {
     // True only while AfterAddToPipeSpec runs its creation call.
     bool AfterAddRunning = false;
     // The norm-dimension object, chosen for the first chapter that asked and
-    // kept for every later one while the process runs.
+    // kept for every later one while the database is open.
     DeviceRef NormDimensionObject;
     // The root of the generic-type menu, found by the first question walk that needed it.
     DeviceRef m_MenuCDev;
 };
 
-ModuleState& moduleState();
+// The state of the workset's database, or of the database the object belongs
+// to (error ObjectNotSet for an object of no database).
+ModuleState& moduleState(IWorkset& workset);
+ModuleState& moduleState(const IBaseObject& object);
 
-// The elements made by the last creation cascade (may be empty).
-std::shared_ptr<const ObjectMap> CreatedObjects();
+// The elements made by the last creation cascade in the workset's database (may be empty).
+std::shared_ptr<const ObjectMap> CreatedObjects(IWorkset& workset);
 
 // A pipe class is an object whose function code lies in 10000..10008.
 // VFCD receives the code read, 0 if there is none. A code too large for 32

@@ -3,6 +3,7 @@
 #include "diagnostics/ErrorTail.h"
 #include "diagnostics/Messages.h"
 #include "diagnostics/ServiceRegistry.h"
+#include "objectmodel/Options.h"
 #include "objectmodel/Text.h"
 
 namespace pipespec::addtopipeclass {
@@ -13,10 +14,7 @@ using diagnostics::Trace;
 namespace {
 constexpr std::string_view kOrdinaryOwnerPath = "@40|A20|Y00|A10|A30|Y00T00062|A02|B01";
 constexpr std::string_view kBoltingOwnerPath = "@40|A20|Y00|A10|A30|Y00T00062|A02|B02";
-constexpr std::int32_t kFirstBoltCode = 91000;
-constexpr std::int32_t kEndBoltCode = 92000;
 constexpr int kByPath = 2;
-constexpr int kNormDimensionOption = 231;
 
 bool isBoltByVSTD(const DeviceRef& element)
 {
@@ -38,7 +36,7 @@ Bolting boltingOf(const DeviceRef& element, const Trace& trace)
     trace.text("VFCDVal = " + VFCDVal);
     if (VFCDVal.empty()) return {isBoltByVSTD(element), false};
     const auto code = text::CLng(VFCDVal);
-    const bool bolt = kFirstBoltCode <= code && code < kEndBoltCode;
+    const bool bolt = functioncode::FirstBolting <= code && code < functioncode::EndBolting;
     return {bolt, bolt};
 }
 
@@ -106,13 +104,13 @@ SpecRef GetNormDimensionSpec(const SpecRef& NameRangeChapter, const std::string&
     SpecRef result;
     Procedure(cls::AddToPipeClass, "Function GetNormDimensionSpec").run([&] {
         const auto& names = diagnostics::names();
-        auto& normObject = moduleState().NormDimensionObject;
+        auto& normObject = moduleState(must(NameRangeChapter)).NormDimensionObject;
         if (!normObject) {
             if (const auto reference = must(NameRangeChapter).Spec(names.NormDimensionRef())) {
                 const auto workset = NameRangeChapter->Workset();
                 // Called for its effect: it makes the workset's norm dimensions available.
                 must(must(workset).LateBoundTools()).StdValues3D(NameRangeChapter->Project());
-                normObject = workset->Globals()->getOption(kNormDimensionOption).objectAs<IDevice>();
+                normObject = workset->Globals()->getOption(option::NormDimensions).objectAs<IDevice>();
                 if (normObject) normObject = asDevice(normObject->Devices()->Item(reference->ValueText()));
             }
         }

@@ -5,6 +5,7 @@
 #include "diagnostics/ServiceRegistry.h"
 #include "diagnostics/Translate.h"
 #include "elements/RangeControl.h"
+#include "objectmodel/Options.h"
 #include "objectmodel/Text.h"
 #include "selectors/Chapters.h"
 
@@ -14,8 +15,6 @@ using diagnostics::Procedure;
 using diagnostics::Trace;
 
 namespace {
-constexpr int kCacheOption = 64;
-
 std::string boolText(bool value) { return value ? "True" : "False"; }
 
 DeviceRef topOfBaseChain(DeviceRef device)
@@ -99,11 +98,11 @@ SpecRef makeNameRangeChapter(const DeviceRef& element, const DeviceRef& mPipeCla
 
 void DropCachedEntry(IGlobals& globals, const DeviceRef& pipeClass)
 {
-    const auto cache = globals.getOption(kCacheOption).map();
+    const auto cache = globals.getOption(option::PipeClassCache).map();
     const auto key = must(pipeClass).Name();
     if (!cache || !cache->Exists(key)) return;
     cache->Remove(key);
-    globals.setoption(kCacheOption, cache);
+    globals.setoption(option::PipeClassCache, cache);
 }
 
 DeviceRef NewPipeSpecElement(DeviceRef CDevObject, const DeviceRef& mPipeClass, bool RecursiveCall, bool ResetCreated,
@@ -137,7 +136,7 @@ DeviceRef NewPipeSpecElement(DeviceRef CDevObject, const DeviceRef& mPipeClass, 
         }
 
         // Cascade reset: both maps are always replaced together.
-        auto& state = moduleState();
+        auto& state = moduleState(must(CDevObject ? CDevObject : presetElement));
         if (!state.m_CreatedObjects || ResetCreated) {
             trace.text("resetting m_CreatedObjects");
             state.m_CreatedObjects = std::make_shared<ObjectMap>();

@@ -25,9 +25,9 @@ std::string attributeName(const std::string& qualified)
     return dot == std::string::npos ? qualified : qualified.substr(dot + 1);
 }
 
-std::shared_ptr<IRangeControl>& sharedSlot()
+diagnostics::ServiceSlot<IRangeControl, PCOMRangeControl>& sharedSlot()
 {
-    static std::shared_ptr<IRangeControl> slot;
+    static diagnostics::ServiceSlot<IRangeControl, PCOMRangeControl> slot;
     return slot;
 }
 }  // namespace
@@ -60,17 +60,11 @@ void PCOMRangeControl::InitNDRange(const DeviceRef& element, const DeviceRef& pi
     }
 }
 
-IRangeControl& sharedPCOMRange()
-{
-    auto& slot = sharedSlot();
-    if (!slot) slot = std::make_shared<PCOMRangeControl>();
-    return *slot;
-}
+IRangeControl& sharedPCOMRange() { return sharedSlot().get(); }
 
 std::shared_ptr<IRangeControl> setSharedPCOMRange(std::shared_ptr<IRangeControl> replacement)
 {
-    sharedSlot().swap(replacement);
-    return replacement;
+    return sharedSlot().exchange(std::move(replacement));
 }
 
 }  // namespace pipespec::addtopipeclass

@@ -29,10 +29,9 @@ public:
     void InitNDRange(const DeviceRef& element, const DeviceRef& pipeClass) override;
 };
 
-// The instance element creation uses: made on first use, kept for the process.
+// The instance element creation uses, a host service (diagnostics/ServiceRegistry.h)
+// whose default is the headless control.
 IRangeControl& sharedPCOMRange();
-// Installs a replacement and gives back the one it replaces (empty if none was
-// made yet). Installing nothing restores the headless control, made on next use.
 std::shared_ptr<IRangeControl> setSharedPCOMRange(std::shared_ptr<IRangeControl> replacement);
 
 }  // namespace pipespec::addtopipeclass

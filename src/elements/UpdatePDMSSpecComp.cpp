@@ -4,6 +4,7 @@
 #include "diagnostics/Messages.h"
 #include "diagnostics/ServiceRegistry.h"
 #include "diagnostics/Translate.h"
+#include "objectmodel/Options.h"
 #include "objectmodel/Text.h"
 #include "selectors/Chapters.h"
 #include "selectors/Selectors.h"
@@ -20,7 +21,6 @@ constexpr std::string_view kShop = "TRUE";
 constexpr std::string_view kField = "FALS";
 constexpr std::string_view kTube = "TUBE";
 constexpr std::string_view kFlagOn = "1";
-constexpr std::string_view kStructureClassCode = "10003";
 // Only the first companion of a component is taken over; further numbered
 // companions stay with the catalogue.
 constexpr std::string_view kCompanionAttr = "E3D.PCOMPlus1";
@@ -35,12 +35,12 @@ SpecRef e3dChapterOfPipeClassRoot(const DeviceRef& CDevPC)
     return base ? base->Spec(diagnostics::names().E3DChapter()) : nullptr;
 }
 
-// Structure elements of a structure class take no generated name, field
-// element or companion.
+// Structure elements of a template class take no generated name, field
+// element or companion. The code is compared as text here: " 10003" is not it.
 bool isStructureCase(const DeviceRef& CDevPC, const DeviceRef& mPipeClass)
 {
     const auto code = must(must(mPipeClass).Spec(diagnostics::names().GD().VFCD())).ValueText();
-    return must(CDevPC).CreateOption() != 0 && code == kStructureClassCode;
+    return must(CDevPC).CreateOption() != 0 && code == std::to_string(functioncode::TemplatePipeClass);
 }
 
 bool isTube(const DeviceRef& CDevPC)
@@ -127,7 +127,7 @@ void UpdatePDMSSpecComp(const DeviceRef& CDevPC, const DeviceRef& mPipeClass, bo
         bool structure = false;
         procedure.step([&] { structure = isStructureCase(CDevPC, mPipeClass); });
         procedure.step([&] {
-            if (structure || moduleState().AfterAddRunning) return;
+            if (structure || moduleState(*CDevPC).AfterAddRunning) return;
             if (nameGenerationOn(mPipeClass)) GenerateName(CDevPC, groupId);
         });
     }

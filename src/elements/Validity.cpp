@@ -3,6 +3,8 @@
 #include "diagnostics/ErrorTail.h"
 #include "diagnostics/Messages.h"
 #include "diagnostics/ServiceRegistry.h"
+#include "objectmodel/DatabaseState.h"
+#include "objectmodel/Options.h"
 #include "objectmodel/Text.h"
 
 #include <string>
@@ -13,23 +15,20 @@ using diagnostics::Procedure;
 using diagnostics::Trace;
 
 namespace {
-constexpr std::int32_t kFirstPipeClassCode = 10000;
-constexpr std::int32_t kLastPipeClassCode = 10008;
-// Pipe classes of this code may hold structure elements.
-constexpr double kStructurePipeClassCode = 10003;
 // A catalogue child's name is a pattern over this many digits of a code.
 constexpr int kPatternLength = 5;
 
-bool isPipeClassCode(std::int32_t code) { return kFirstPipeClassCode <= code && code <= kLastPipeClassCode; }
+bool isPipeClassCode(std::int32_t code)
+{
+    return functioncode::FirstPipeClass <= code && code <= functioncode::LastPipeClass;
+}
 }  // namespace
 
-ModuleState& moduleState()
-{
-    static ModuleState state;
-    return state;
-}
+ModuleState& moduleState(IWorkset& workset) { return workset.State().get<ModuleState>(); }
 
-std::shared_ptr<const ObjectMap> CreatedObjects() { return moduleState().m_CreatedPipeSpecElem; }
+ModuleState& moduleState(const IBaseObject& object) { return moduleState(must(object.Workset())); }
+
+std::shared_ptr<const ObjectMap> CreatedObjects(IWorkset& workset) { return moduleState(workset).m_CreatedPipeSpecElem; }
 
 bool IsPipeClass(const ObjectRef& object, std::int32_t& VFCD)
 {
@@ -70,7 +69,7 @@ bool CheckValid(const DeviceRef& CDevObject, const DeviceRef& mPipeClass, bool U
                 return refuse(fullName, " is a pipe class without CDevice and without elements (?)");
         } else {
             const bool structureClass =
-                text::CDbl(must(must(mPipeClass).Spec(names.GD().VFCD())).ValueText()) == kStructurePipeClassCode;
+                text::CDbl(must(must(mPipeClass).Spec(names.GD().VFCD())).ValueText()) == functioncode::TemplatePipeClass;
             if (CDevObject->CreateOption() != 0 && !structureClass) return refuse(fullName, " is structure element");
             if (!CDevObject->CDevice() && IsPipeClass(CDevObject->Owner()))
                 return refuse(fullName, " is already an element of a pipe class but without CDevice (?)");

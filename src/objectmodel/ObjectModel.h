@@ -24,6 +24,9 @@ class IGlobals;
 class IAppGlobals;
 class IClipboard;
 class ILateBoundTools;
+class INameTable;
+class IPipeSpecHelper;
+class DatabaseState;
 
 using DeviceRef = std::shared_ptr<IDevice>;
 using SpecRef = std::shared_ptr<ISpecification>;
@@ -179,6 +182,37 @@ public:
     virtual ~IUndoState() = default;
 };
 
+// What one change did to an object of the database.
+enum class ChangeKind {
+    Created,  // joined its owner's own members: made, stored from inherited, or its deletion undone
+    Changed,  // a property of the object changed
+    Moved,    // put into an owner by AddObject, or taken out by Detach
+    Deleted,  // left its owner's own members: deleted, or its making or storing undone
+};
+
+// One change as observers learn it. A view finds the rows concerned by
+// identity: `from` loses the object, `to` gains it.
+struct ChangeNotice {
+    ChangeKind kind = ChangeKind::Changed;
+    ObjectRef object;
+    ObjectRef from;             // the owner it left (Deleted, Moved)
+    ObjectRef to;               // the owner it joined (Created, Moved)
+    std::string_view property;  // what of a Changed object: "Value", "Name", "Description", ...
+};
+
+// Learns the changes made through a workset, one user action at a time, when
+// the action is over: BeginChanges, each change in the order it was made,
+// EndChanges. The database then already shows the state after the action,
+// also to an object of a notice that a later change of the action deleted.
+// An observer must not throw.
+class IChangeObserver {
+public:
+    virtual ~IChangeObserver() = default;
+    virtual void BeginChanges() = 0;
+    virtual void ObjectChanged(const ChangeNotice& notice) = 0;
+    virtual void EndChanges() = 0;
+};
+
 class IProject {
 public:
     virtual ~IProject() = default;
@@ -241,6 +275,8 @@ public:
     ProjectRef GetCurrentProject() const { return CurrentProject(); }
     virtual void SetCurrentProject(const ProjectRef& project) = 0;
     virtual CollectionRef NewCollection() const = 0;
+    // A new helper object for one run; it reads attribute names from `names`.
+    virtual std::shared_ptr<IPipeSpecHelper> NewPipeSpecHelper(std::shared_ptr<const INameTable> names) const = 0;
     virtual std::shared_ptr<IAppGlobals> AppGlobals() const = 0;
     virtual std::shared_ptr<IGlobals> Globals() const = 0;
     virtual UndoStateRef CurrentUndoState() const = 0;
@@ -248,6 +284,31 @@ public:
     virtual std::shared_ptr<IClipboard> Clipboard() const = 0;
     // A number in the text; an error (13) when the text holds none.
     virtual double ParseNumber(std::string_view text) const = 0;
+    // What the code keeps for this workset's database (DatabaseState.h);
+    // error ObjectNotSet once the database is closed.
+    virtual DatabaseState& State() = 0;
+
+    // Brackets around one user action, which nest: what changes until the
+    // outermost EndAction is one step of the undo state and is told to the
+    // observers at that end. A change outside any bracket is told at once.
+    // Use ActionScope rather than the pair; an EndAction without its
+    // BeginAction is refused.
+    virtual void BeginAction() = 0;
+    virtual void EndAction() = 0;
+    // Held weakly: the observer hears every action until it is destroyed.
+    virtual void AddChangeObserver(const std::shared_ptr<IChangeObserver>& observer) = 0;
+};
+
+// One user action, bracketed for as long as the scope lasts.
+class ActionScope {
+public:
+    explicit ActionScope(IWorkset& workset) : workset_(workset) { workset_.BeginAction(); }
+    ~ActionScope() { workset_.EndAction(); }
+    ActionScope(const ActionScope&) = delete;
+    ActionScope& operator=(const ActionScope&) = delete;
+
+private:
+    IWorkset& workset_;
 };
 
 // Reference casts used throughout the logic: empty in, empty out.

@@ -3,6 +3,7 @@
 #include "diagnostics/ErrorTail.h"
 #include "diagnostics/Messages.h"
 #include "diagnostics/ServiceRegistry.h"
+#include "objectmodel/Options.h"
 #include "objectmodel/Text.h"
 #include "selectors/LayoutHelper.h"
 
@@ -22,8 +23,6 @@ constexpr double kGap = 0.125;
 constexpr double kDefaultLimit = 1000;
 constexpr int kLayoutPrefixLength = 8;
 constexpr int kVisibleIndex = 4;
-constexpr int kMenuOption = 233;
-constexpr std::int32_t kTemplatePipeClassCode = 10002;
 
 // A copy of an attribute, with its description, added under a new owner.
 SpecRef addCopy(const SpecRef& original, ISpecification& newOwner)
@@ -195,9 +194,9 @@ DeviceRef GetMenuPath(const ProjectRef& project)
     DeviceRef result;
     Procedure(cls::AddToPipeClass, "Function GetMenuPath").run([&] {
         const auto globals = must(must(project).Workset()).Globals();
-        result = globals->GetOptionFromProject(project, kMenuOption).objectAs<IDevice>();
+        result = globals->GetOptionFromProject(project, option::MenuRoot).objectAs<IDevice>();
         if (!result && project->BaseProject())
-            result = globals->GetOptionFromProject(project->BaseProject(), kMenuOption).objectAs<IDevice>();
+            result = globals->GetOptionFromProject(project->BaseProject(), option::MenuRoot).objectAs<IDevice>();
         if (!result) result = asDevice(project->ObjectByPath("@3D|@Menu", 1));
     });
     return result;
@@ -227,7 +226,7 @@ CollectionRef GetComponentsRecursive(const DeviceRef& device, bool recursive, Co
         if (!IsPipeClass(device, code)) return;
         if (!top) {
             if (!map.Exists(device->Name())) map.Add(device->Name(), device);
-            if (code == kTemplatePipeClassCode) return;
+            if (code == functioncode::UncollectedPipeClass) return;
         }
         const auto elements = device->Devices();
         for (int i = 1; i <= elements->Count(); ++i) {

@@ -3,6 +3,7 @@
 #include "diagnostics/ErrorTail.h"
 #include "diagnostics/Messages.h"
 #include "diagnostics/ServiceRegistry.h"
+#include "objectmodel/DatabaseState.h"
 #include "objectmodel/Text.h"
 
 namespace pipespec::addtopipeclass {
@@ -10,34 +11,26 @@ namespace pipespec::addtopipeclass {
 using diagnostics::Procedure;
 
 namespace {
-std::shared_ptr<IChooseSelectorView>& installedView()
+diagnostics::ServiceSlot<IChooseSelectorView, ScriptedChooseSelector>& viewSlot()
 {
-    static std::shared_ptr<IChooseSelectorView> view;
-    return view;
+    static diagnostics::ServiceSlot<IChooseSelectorView, ScriptedChooseSelector> slot;
+    return slot;
 }
 
 // The text taken at the last OK; during a choice, the proposal. It outlives
 // the choice, as the dialog is one instance: a selector without a default
-// answer is measured against what was chosen last.
-std::string& mAnswer()
-{
-    static std::string answer;
-    return answer;
-}
+// answer is measured against what was chosen last. It belongs to the
+// database whose selectors it names.
+struct LastAnswer {
+    std::string mAnswer;
+};
 }  // namespace
 
-IChooseSelectorView& chooseSelectorView()
-{
-    auto& view = installedView();
-    if (!view) view = std::make_shared<ScriptedChooseSelector>();
-    return *view;
-}
+IChooseSelectorView& chooseSelectorView() { return viewSlot().get(); }
 
 std::shared_ptr<IChooseSelectorView> setChooseSelectorView(std::shared_ptr<IChooseSelectorView> replacement)
 {
-    auto previous = std::move(installedView());
-    installedView() = std::move(replacement);
-    return previous;
+    return viewSlot().exchange(std::move(replacement));
 }
 
 DeviceRef ChooseSelector(const DeviceRef& Selector, const DeviceRef& SCOM, const std::string& Question,
@@ -52,7 +45,7 @@ DeviceRef ChooseSelector(const DeviceRef& Selector, const DeviceRef& SCOM, const
 
         const auto cut = Question + ":";
         const auto children = Selector->Elements();
-        auto& answer = mAnswer();
+        auto& answer = must(Selector->Workset()).State().get<LastAnswer>().mAnswer;
         if (const auto defaultAnswer = Selector->Spec(diagnostics::names().Sele().DefaultAnswer()))
             answer = text::Replace(defaultAnswer->DisplayValue(), cut, "");
         for (int i = 1; i <= children->Count(); ++i) {

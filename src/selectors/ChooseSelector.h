@@ -35,14 +35,15 @@ public:
     virtual std::string ShowModal(const SelectorChoice& choice) = 0;
 };
 
-// The one dialog of the process, made on first use (a script that takes the
-// proposals). Installing a replacement gives back the one it replaces;
-// installing nothing restores the default.
+// The one dialog of the process, a host service (diagnostics/ServiceRegistry.h)
+// whose default is a script that takes the proposals.
 IChooseSelectorView& chooseSelectorView();
 std::shared_ptr<IChooseSelectorView> setChooseSelectorView(std::shared_ptr<IChooseSelectorView> replacement);
 
 // Offers the children of Selector for the component SCOM and gives the chosen
 // child, empty when the engineer cancelled. Answer receives the answer taken.
+// A selector without a default answer proposes the answer taken last in the
+// same database.
 // Question is the attribute name without chapter; it is cut, with its ":",
 // out of the names of the children and out of the default answer.
 DeviceRef ChooseSelector(const DeviceRef& Selector, const DeviceRef& SCOM, const std::string& Question,

@@ -5,6 +5,7 @@
 #include "diagnostics/ErrorTail.h"
 #include "diagnostics/Messages.h"
 #include "diagnostics/ServiceRegistry.h"
+#include "objectmodel/Options.h"
 #include "objectmodel/Text.h"
 #include "selectors/Chapters.h"
 #include "selectors/ColumnKeys.h"
@@ -20,7 +21,6 @@ namespace key = columnkey;
 namespace {
 constexpr std::string_view kRootBaseLink = "Sele.SeleCDev";
 constexpr std::string_view kPipeClassBaseLink = "GD.Selector";
-constexpr int kSelectorBaseOption = 368;
 constexpr int kMarkLength = 3;
 constexpr std::string_view kPipeBoreType = "2";
 constexpr std::string_view kBoreDiameterType = "3";
@@ -160,7 +160,7 @@ DeviceRef GetSelectorBaseCDev(const DeviceRef& selector)
         if (const auto link = selector->Spec(kRootBaseLink)) result = link->LinkObject();
         if (!result)
             if (const auto link = must(selector->Owner()).Spec(kPipeClassBaseLink)) result = link->LinkObject();
-        if (!result) result = must(must(selector->Workset()).Globals()).getOption(kSelectorBaseOption).objectAs<IDevice>();
+        if (!result) result = must(must(selector->Workset()).Globals()).getOption(option::SelectorBase).objectAs<IDevice>();
     });
     return result;
 }

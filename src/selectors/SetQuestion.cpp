@@ -3,8 +3,6 @@
 
 #include "diagnostics/ServiceRegistry.h"
 #include "objectmodel/Text.h"
-#include "platform/store/Collections.h"
-#include "platform/PipeSpecHelper.h"
 #include "selectors/ChooseSelector.h"
 #include "selectors/QuestionWalk.h"
 
@@ -60,11 +58,18 @@ void QuestionWalk::run()
 QuestionWalk::Walk QuestionWalk::start()
 {
     t_.enter();
-    p_.step([&] {
-        helper_ = std::make_shared<platform::PipeSpecHelper>(diagnostics::tools().Names());
-        helper_->SetPipeClass(pipeClass_);
-    });
-    if (!questionSpecs_) questionSpecs_ = std::make_shared<platform::FreeCollection>();
+    // The database makes the helper and the collection. Without an object
+    // of a database there is nothing to walk, and the leave below says why.
+    const auto& anyObject = pipeClass_ ? pipeClass_ : component_;
+    WorksetRef workset;
+    if (anyObject) p_.step([&] { workset = anyObject->Workset(); });
+    if (workset) {
+        p_.step([&] {
+            helper_ = workset->NewPipeSpecHelper(diagnostics::tools().Names());
+            helper_->SetPipeClass(pipeClass_);
+        });
+        if (!questionSpecs_) p_.step([&] { questionSpecs_ = workset->NewCollection(); });
+    }
     boreSpecs_ = SpecMap();
     if (!component_) {
         t_.leaveText("CDevPC Is Nothing");
@@ -90,7 +95,7 @@ QuestionWalk::Walk QuestionWalk::start()
         // A code that is no number is reported, and the answer stays the code.
         if (!answer_.empty())
             p_.step([&] {
-                answer_ = must(helper_).GenericTypeOfFunctionCode(moduleState().m_MenuCDev, text::CLng(answer_));
+                answer_ = must(helper_).GenericTypeOfFunctionCode(moduleState(*pipeClass_).m_MenuCDev, text::CLng(answer_));
             });
     }
     if (answer_.empty()) {

@@ -163,13 +163,11 @@ TEST(HeadlessUtilities, StandardTablePathsAreAMapOfNumbers)
 
 TEST(Services, DefaultsAreHeadlessAndMadeOnFirstUse)
 {
-    const auto savedTools = setTools(nullptr);
-    const auto savedUtilities = setUtilities(nullptr);
+    const ScopedService<IGlobalTools> noTools(setTools, nullptr);
+    const ScopedService<IUtilities> noUtilities(setUtilities, nullptr);
     EXPECT_NE(dynamic_cast<HeadlessTools*>(&tools()), nullptr);
     EXPECT_NE(dynamic_cast<HeadlessUtilities*>(&utilities()), nullptr);
     EXPECT_EQ(&tools(), &tools());
-    setTools(savedTools);
-    setUtilities(savedUtilities);
 }
 
 TEST(Services, ScopedHostReplacesAndRestores)

@@ -2,6 +2,7 @@
 // name-range chapter are filled.
 
 #include "elements/AddToPipeClass.h"
+#include "objectmodel/Options.h"
 #include "support/World.h"
 
 #include <gmock/gmock.h>
@@ -24,9 +25,6 @@ constexpr auto kClass = "QuorlPipeSpecComp.AddToPipeClass";
 
 class CatalogOwner : public ::testing::Test {
 protected:
-    // The norm-dimension object is module state that outlives every test.
-    void SetUp() override { addtopipeclass::moduleState().NormDimensionObject = nullptr; }
-
     support::World world;
     DeviceRef catalog = world.root(world.base(), "@40");
     DeviceRef pipeClass = world.pipeClass(world.root(world.plant(), "@20"), "PC-A1", "10000");
@@ -157,7 +155,7 @@ protected:
             norm->Spec("NORM.DNMIN")->SetStandardTable(table);
             norm->Spec("NORM.DNMAX")->SetStandardTable(table);
         }
-        world.base()->setOption(231, root);
+        world.base()->setOption(option::NormDimensions, root);
     }
     std::vector<std::string> calcLines() const { return world.traceLines("CalcMinMaxSpec"); }
 };
@@ -224,7 +222,7 @@ TEST_F(MinMax, WithoutNormDimensionsAnotherValueListLeavesTheBoundEmpty)
     world.attribute(flange, "NR.NORM", "DIN");
     CalcMinMaxSpec(chapter, "DNFROM", pipeClass);
     EXPECT_EQ(bounds(flange), "..");
-    EXPECT_EQ(addtopipeclass::moduleState().NormDimensionObject, nullptr);
+    EXPECT_EQ(addtopipeclass::moduleState(*world.workset()).NormDimensionObject, nullptr);
     EXPECT_EQ(calcLines().back(), std::string(kClass) + " CalcMinMaxSpec: leave: QSpec Is Nothing");
     EXPECT_THAT(calcLines(), Not(Contains(std::string(kClass) + " CalcMinMaxSpec: leave")));
     EXPECT_THAT(world.host().errors(), IsEmpty());

@@ -5,6 +5,7 @@
 #include "diagnostics/Translate.h"
 #include "elements/AddToPipeClass.h"
 #include "elements/RangeControl.h"
+#include "objectmodel/Options.h"
 #include "support/World.h"
 
 #include <gmock/gmock.h>
@@ -30,12 +31,14 @@ public:
     }
 };
 
+// Element creation asks the recorder for ranges while this lives.
+struct RecordedRanges {
+    std::shared_ptr<RecordingRangeControl> control = std::make_shared<RecordingRangeControl>();
+    diagnostics::ScopedService<addtopipeclass::IRangeControl> installed{addtopipeclass::setSharedPCOMRange, control};
+};
+
 class NewElement : public ::testing::Test {
 protected:
-    // The cascade maps are module state that outlives every test.
-    void SetUp() override { addtopipeclass::moduleState() = {}; }
-    void TearDown() override { addtopipeclass::setSharedPCOMRange(nullptr); }
-
     support::World world;
     DeviceRef catalog = world.root(world.base(), "@40");
     DeviceRef pipeClass = world.pipeClass(world.root(world.plant(), "@20"), "PC-A1", "10000");
@@ -54,12 +57,6 @@ protected:
         std::string groupId;
         return addtopipeclass::NewPipeSpecElement(source, pipeClass, recursive, reset, groupId, interactive, preset);
     }
-    std::shared_ptr<RecordingRangeControl> recordRanges() const
-    {
-        auto recorder = std::make_shared<RecordingRangeControl>();
-        addtopipeclass::setSharedPCOMRange(recorder);
-        return recorder;
-    }
     void inEnglish() const
     {
         world.host().setLanguage(diagnostics::LanguageTable::load(diagnostics::LanguageTable::shippedPath("en")));
@@ -69,9 +66,9 @@ protected:
     {
         return "QuorlPipeSpecComp.AddToPipeClass XAddToPipeClass: " + text;
     }
-    VariantMap& cache() const { return must(world.workset()->Globals()->getOption(64).map()); }
+    VariantMap& cache() const { return must(world.workset()->Globals()->getOption(option::PipeClassCache).map()); }
     int elementCount() const { return pipeClass->Devices()->Count(); }
-    std::vector<std::string> created() const { return must(addtopipeclass::CreatedObjects()).Keys(); }
+    std::vector<std::string> created() const { return must(addtopipeclass::CreatedObjects(*world.workset())).Keys(); }
     std::vector<std::string> rangeOf(const DeviceRef& element) const
     {
         const auto range = element->Spec("NR.DNLIST");
@@ -146,6 +143,10 @@ TEST_F(NewElement, OneCascadeTurnsEachSourceIntoOneElement)
     ASSERT_NE(create(flange, false, true), nullptr);
     EXPECT_THAT(created(), ElementsAre("PLANT:@20|PC-A1|003"));
     EXPECT_EQ(elementCount(), 3);
+
+    // The cascade belongs to its database: another one starts without.
+    const support::World other;
+    EXPECT_EQ(addtopipeclass::CreatedObjects(*other.workset()), nullptr);
 }
 
 TEST_F(NewElement, AnExistingElementOfTheSameRootIsQuestioned)
@@ -198,7 +199,7 @@ TEST_F(NewElement, RefusalIsShownOnlyToAnInteractiveImport)
     // Nothing at all to add: refused before the cascade is touched.
     EXPECT_EQ(create(nullptr, false, true), nullptr);
     EXPECT_EQ(lines().back(), line("leave: not valid"));
-    EXPECT_EQ(addtopipeclass::CreatedObjects(), nullptr);
+    EXPECT_EQ(addtopipeclass::CreatedObjects(*world.workset()), nullptr);
     EXPECT_EQ(elementCount(), 0);
     EXPECT_THAT(world.host().errors(), IsEmpty());
 }
@@ -206,7 +207,7 @@ TEST_F(NewElement, RefusalIsShownOnlyToAnInteractiveImport)
 TEST_F(NewElement, ClassWithoutNameRangeChapterIsToldAndStillGetsElementAndRange)
 {
     const auto bare = world.pipeClass(world.root(world.plant(), "@20"), "PC-BARE", "10000", false, false);
-    const auto ranges = recordRanges();
+    const RecordedRanges ranges;
     inEnglish();
 
     const auto element = NewPipeClassElement(flange, bare, false);
@@ -215,7 +216,7 @@ TEST_F(NewElement, ClassWithoutNameRangeChapterIsToldAndStillGetsElementAndRange
     EXPECT_THAT(world.host().messageBoxes(),
                 ElementsAre(diagnostics::MessageBoxRecord{"Spec-Chapter NR not found", 0, "Error in pipe-class object",
                                                           mb::AnswerOk}));
-    EXPECT_THAT(ranges->calls, ElementsAre(Pair(element, bare)));
+    EXPECT_THAT(ranges.control->calls, ElementsAre(Pair(element, bare)));
     EXPECT_EQ(lines().back(), line("leave"));
 }
 
@@ -250,14 +251,14 @@ TEST_F(NewElement, PipeClassAsSourceBecomesAnElementWithoutChapterOrRange)
 {
     const auto other = world.pipeClass(world.root(world.plant(), "@20"), "PC-B2", "10001");
     world.device(other, "001")->SetCDevice(flange);
-    const auto ranges = recordRanges();
+    const RecordedRanges ranges;
 
     const auto element = NewPipeClassElement(other, pipeClass, false);
     ASSERT_NE(element, nullptr);
     EXPECT_EQ(element->CDevice(), other);
     EXPECT_EQ(lines().back(), line("leave: cDevObject is a pipe class"));
     EXPECT_TRUE(element->Spec("NR")->SystemTemporary());
-    EXPECT_THAT(ranges->calls, IsEmpty());
+    EXPECT_THAT(ranges.control->calls, IsEmpty());
     EXPECT_THAT(created(), ElementsAre(element->SystemFullName()));
 
     // Such an element counts by its own base object, not by the top of its chain.

@@ -33,8 +33,6 @@ class PdmsUpdate : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        moduleState() = {};
-        setSharedPCOMRange(std::make_shared<NoRange>());
         world.tableAt(world.base(), "@3D|00|PDMS");
         // Tubes are asked whether they are made in the shop.
         tubes = support::shopSelector(world, root, "TUBE", base);
@@ -45,12 +43,11 @@ protected:
         world.attribute(pipeClass, "E3D.PCOMPlus9", "");
         for (const auto& component : {tube, gasket, flange}) withLayout(component);
     }
-    void TearDown() override
-    {
-        setSharedPCOMRange(nullptr);
-        setChooseSelectorView(nullptr);
-    }
 
+    diagnostics::ScopedService<IRangeControl> noRange{setSharedPCOMRange, std::make_shared<NoRange>()};
+    // The choice of a selector, as the engineer would answer it.
+    std::shared_ptr<ScriptedChooseSelector> chooser = std::make_shared<ScriptedChooseSelector>();
+    diagnostics::ScopedService<IChooseSelectorView> chooserInstalled{setChooseSelectorView, chooser};
     support::World world;
     DeviceRef catalog = world.root(world.base(), "@40");
     DeviceRef classes = world.path(world.plant(), "@20|PIPECLASSES");
@@ -88,15 +85,7 @@ protected:
     {
         world.attribute(component, "E3D.PCOMPlus1", "")->SetLinkObject(companion);
     }
-    // The choice of a selector, as the engineer would answer it.
-    std::shared_ptr<ScriptedChooseSelector> chooser() const
-    {
-        auto scripted = std::make_shared<ScriptedChooseSelector>();
-        setChooseSelectorView(scripted);
-        return scripted;
-    }
-
-    std::vector<std::string> created() const { return must(CreatedObjects()).Keys(); }
+    std::vector<std::string> created() const { return must(CreatedObjects(*world.workset())).Keys(); }
     std::vector<std::string> elementNames() const { return support::childNames(pipeClass); }
     DeviceRef element(const std::string& name) const { return asDevice(pipeClass->Devices()->Item(name)); }
     std::string shopOf(const std::string& name) const { return world.value(element(name), "PDMS.SHOP"); }
@@ -127,7 +116,7 @@ TEST_F(PdmsUpdate, ATubeIsDoubledIntoAShopAndAFieldElementOfOneGroup)
     EXPECT_TRUE(same(element("002")->CDevice(), tube));
     EXPECT_THAT(leaveTexts("XAddToPipeClass"), Contains("recursive call"));
     EXPECT_EQ(created().size(), 2u);
-    EXPECT_TRUE(same(must(CreatedObjects()).Item(created()[0]), made));
+    EXPECT_TRUE(same(must(CreatedObjects(*world.workset())).Item(created()[0]), made));
     // Both walked to the leaf of the shop question and carry the state column.
     const auto leaf = tubes->Elements()->Item("SHOP");
     for (const auto* name : {"001", "002"}) {
@@ -244,7 +233,7 @@ TEST_F(PdmsUpdate, ACancelledChoiceDeletesTheElement)
     // The tube answers the shop question with a value no selector carries.
     world.attribute(tube, "PDMS.SHOP", "SITE");
     support::selector(world, tubes, "SHOP:TRUE", "TRUE", "", base);
-    chooser()->cancel();
+    chooser->cancel();
 
     EXPECT_EQ(NewPipeClassElement(tube, pipeClass, false), nullptr);
     EXPECT_THAT(leaveTexts("UpdatePDMSSpecComp"), ElementsAre("CDevPC deleted"));

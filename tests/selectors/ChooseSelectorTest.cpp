@@ -16,9 +16,8 @@ using ::testing::IsEmpty;
 
 class ChooseSelectorTest : public ::testing::Test {
 protected:
-    void SetUp() override { previous = setChooseSelectorView(view); }
-    void TearDown() override { setChooseSelectorView(previous); }
-
+    std::shared_ptr<ScriptedChooseSelector> view = std::make_shared<ScriptedChooseSelector>();
+    diagnostics::ScopedService<IChooseSelectorView> viewInstalled{setChooseSelectorView, view};
     support::World world;
     DeviceRef pipeClass = world.pipeClass(world.path(world.plant(), "@20|PIPECLASSES"), "PC", "10000", true);
     DeviceRef base = support::selectorBase(world);
@@ -28,8 +27,6 @@ protected:
     DeviceRef bl = support::selector(world, offered, "FTYPE:BL", "BL", "", base);
     DeviceRef bare = support::selector(world, offered, "FTYPE", "", "", base);
     DeviceRef component = world.device(pipeClass, "E1");
-    std::shared_ptr<ScriptedChooseSelector> view = std::make_shared<ScriptedChooseSelector>();
-    std::shared_ptr<IChooseSelectorView> previous;
 
     DeviceRef choose(std::string& answer) { return ChooseSelector(offered, component, "FTYPE", answer, offered); }
 };
@@ -70,6 +67,28 @@ TEST_F(ChooseSelectorTest, AnswerFindsTheChildByWholeNameThenByQuestionAndAnswer
     EXPECT_EQ(view->shown().back().proposedChild, wn);
     EXPECT_EQ(answer, "WN");
     EXPECT_THAT(world.host().errors(), IsEmpty());
+}
+
+TEST_F(ChooseSelectorTest, WithoutDefaultAnswerTheAnswerTakenLastInTheSameDatabaseIsProposed)
+{
+    // Selectors made from no base object have no default answer.
+    const auto plainSelector = [](const support::World& in, const DeviceRef& owner) {
+        const auto made = in.device(owner, "PLAIN");
+        in.device(made, "FTYPE:WN");
+        in.device(made, "FTYPE:BL");
+        return made;
+    };
+    const auto plain = plainSelector(world, root);
+    std::string answer;
+    view->choose("BL");
+    ChooseSelector(plain, component, "FTYPE", answer, root);
+    ChooseSelector(plain, component, "FTYPE", answer, root);
+    EXPECT_EQ(view->shown().back().proposal, "BL");
+
+    const support::World other;
+    const auto elsewhere = plainSelector(other, other.root(other.plant(), "@20"));
+    ChooseSelector(elsewhere, nullptr, "FTYPE", answer, elsewhere);
+    EXPECT_EQ(view->shown().back().proposal, "WN") << "another database proposes its first child";
 }
 
 TEST_F(ChooseSelectorTest, SelectorWithoutChildrenEndsInTheErrorTail)

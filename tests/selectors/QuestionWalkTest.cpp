@@ -20,16 +20,8 @@ using ::testing::IsEmpty;
 
 class QuestionWalk : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        previous = setChooseSelectorView(view);
-        moduleState().m_MenuCDev = nullptr;
-    }
-    void TearDown() override
-    {
-        setChooseSelectorView(previous);
-        moduleState().m_MenuCDev = nullptr;
-    }
+    std::shared_ptr<ScriptedChooseSelector> view = std::make_shared<ScriptedChooseSelector>();
+    diagnostics::ScopedService<IChooseSelectorView> viewInstalled{setChooseSelectorView, view};
 
     struct Outcome {
         CollectionRef questionSpecs;
@@ -61,8 +53,6 @@ protected:
     DeviceRef wn = support::selector(world, flan, "FTYPE:WN", "WN", "CONN.DN1", base);
     DeviceRef bl = support::selector(world, flan, "FTYPE:BL", "BL", "", base);
     DeviceRef dn1 = support::selector(world, wn, "DN1", "", "", base);
-    std::shared_ptr<ScriptedChooseSelector> view = std::make_shared<ScriptedChooseSelector>();
-    std::shared_ptr<IChooseSelectorView> previous;
 };
 
 TEST_F(QuestionWalk, LeavesEarlyWithItsReasonInTheTrace)
@@ -224,7 +214,7 @@ TEST_F(QuestionWalk, ClassWithoutPdmsChapterMakesTopSelectorFromTheGenericTypeOf
     EXPECT_EQ(world.value(out.top, "Sele.Answer"), "FLAN");
     EXPECT_EQ(world.value(out.top, "Sele.Question"), "GD.GTYPE");
     EXPECT_EQ(world.value(out.top, "Sele.Type"), "2");
-    EXPECT_EQ(moduleState().m_MenuCDev, menu);
+    EXPECT_EQ(moduleState(*world.workset()).m_MenuCDev, menu);
     // The second level, named like the question, is reached by the one-child rule and renamed.
     ASSERT_NE(out.leaf, nullptr);
     EXPECT_EQ(out.leaf->Name(), "GTYPE");
@@ -240,6 +230,15 @@ TEST_F(QuestionWalk, ClassWithoutPdmsChapterMakesTopSelectorFromTheGenericTypeOf
     EXPECT_EQ(walk(plain, odd).top->Name(), "ABC");
     ASSERT_EQ(world.host().errors().size(), 1u);
     EXPECT_EQ(world.host().errors()[0].function, "Sub SetQuestion");
+
+    // The menu root found is kept for its database only: another reads its own menu.
+    const support::World other;
+    const auto otherClass = other.pipeClass(other.path(other.plant(), "@20|PIPECLASSES"), "PLAIN", "10000", false);
+    support::selectorRoot(other, otherClass, support::selectorBase(other));
+    other.device(other.path(other.base(), "@3D|@Menu"), "101XX")->SetDescription("BEND");
+    const auto top = walk(otherClass, other.device(otherClass, "E1", {{"GD.VFCD", "10100"}})).top;
+    ASSERT_NE(top, nullptr);
+    EXPECT_EQ(top->Name(), "BEND");
 }
 
 

@@ -1,5 +1,6 @@
 #include "support/DatabaseComparison.h"
 
+#include "objectmodel/Options.h"
 #include "platform/query/QueryContainer.h"
 
 #include <optional>
@@ -12,8 +13,6 @@ namespace pipespec::support {
 namespace {
 
 using namespace platform;
-
-constexpr int kCacheOption = 64;
 
 // A link to an object that is no longer in the database counts as none,
 // as that is what a file gives back for it.
@@ -111,7 +110,7 @@ private:
             std::map<std::string, std::string> texts;
             for (const auto& [key, value] : all) {
                 if constexpr (std::is_same_v<typename Map::key_type, int>) {
-                    if (key == kCacheOption) continue;
+                    if (key == option::PipeClassCache) continue;
                     texts.emplace(std::to_string(key), variantText(value));
                 } else {
                     texts.emplace(key, variantText(value));

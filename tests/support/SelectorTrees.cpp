@@ -1,12 +1,9 @@
 #include "support/SelectorTrees.h"
 
+#include "objectmodel/Options.h"
 #include "platform/query/Query.h"
 
 namespace pipespec::support {
-
-namespace {
-constexpr int kSelectorBaseOption = 368;
-}
 
 DeviceRef selectorBase(const World& world)
 {
@@ -14,7 +11,7 @@ DeviceRef selectorBase(const World& world)
     const auto base = world.device(world.root(world.base(), "@40"), "SELBASE",
                                    {{sele.Answer(), ""}, {sele.NextQuestion(), ""}, {sele.DefaultAnswer(), ""},
                                     {sele.SelectorType(), "1"}});
-    world.workset()->Globals()->setoption(kSelectorBaseOption, base);
+    world.workset()->Globals()->setoption(option::SelectorBase, base);
     return base;
 }
 

@@ -4,7 +4,8 @@
 // memory; saving writes, in one transaction, only the objects that changed
 // since the file was opened or last saved, and removes the deleted ones. A
 // save cut off at any moment (power, kill) leaves the state of the last
-// complete save: SQLite's rollback journal with full syncs sees to that.
+// complete save: the write-ahead log the file runs with while it is open,
+// with full syncs, sees to that.
 //
 // What is kept: projects with base project, access rights, languages and
 // options; the system and current project; every device, attribute, chapter,

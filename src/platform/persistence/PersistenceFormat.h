@@ -92,9 +92,6 @@ ObjectKind kindOf(const StoredObject& object);
 // How an option value is kept: a kind column and a value column.
 enum class ValueKind : std::int64_t { Empty = 0, Flag = 1, Whole = 2, Real = 3, Text = 4, Object = 5 };
 
-// Option 64 is a cache of per-pipe-class entries; it starts empty in every session.
-inline constexpr int kCacheOption = 64;
-
 // An object as it is kept in a link column: the id of a stored object, a
 // text for an inherited one (see inheritedLink), or NULL for none and for
 // what is no longer in the database.

@@ -1,6 +1,7 @@
 #include "platform/persistence/PersistenceFormat.h"
 
 #include "objectmodel/Errors.h"
+#include "objectmodel/Options.h"
 
 #include <nlohmann/json.hpp>
 
@@ -404,7 +405,7 @@ void writeSettings(const sqlite::Connection& file, const Database& database, std
 
     auto worksetOption = file.prepare("INSERT INTO workset_options(number, kind, value) VALUES(?1, ?2, ?3)");
     for (const auto& [number, value] : globals->options()) {
-        if (number == kCacheOption) continue;
+        if (number == option::PipeClassCache) continue;
         worksetOption.bind(1, std::int64_t{number});
         bindOption(worksetOption, 2, value, "workset option " + std::to_string(number));
         worksetOption.run();

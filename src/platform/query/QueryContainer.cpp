@@ -1,5 +1,6 @@
 #include "platform/query/QueryContainer.h"
 
+#include "objectmodel/DatabaseState.h"
 #include "platform/query/Query.h"
 
 #include <map>
@@ -7,9 +8,10 @@
 namespace pipespec::platform {
 
 namespace {
-// Which devices are containers. Devices are held weakly: a container that the
-// database lets go of is forgotten with it, and the comparison by owner keeps
-// a new object at a reused address from inheriting an old entry.
+// Which devices of one database are containers, kept in the database's state.
+// Devices are held weakly: a container that the database lets go of is
+// forgotten with it, and the comparison by owner keeps a new object at a
+// reused address from inheriting an old entry.
 class ContainerRegistry {
 public:
     void add(const ObjectRef& device, std::shared_ptr<QueryContainer> container)
@@ -27,12 +29,6 @@ public:
 private:
     std::map<std::weak_ptr<IBaseObject>, std::shared_ptr<QueryContainer>, std::owner_less<>> entries_;
 };
-
-ContainerRegistry& registry()
-{
-    static ContainerRegistry containers;
-    return containers;
-}
 
 constexpr std::string_view kContainerName = "TQContainer001";
 
@@ -82,12 +78,15 @@ std::shared_ptr<IQueryContainer> queryContainerOf(const ObjectRef& device)
 
 std::shared_ptr<QueryContainer> registeredQueryContainer(const std::shared_ptr<const IBaseObject>& device)
 {
-    return registry().find(device);
+    // A device of no database (a copy not yet added) is no container.
+    const auto workset = device ? device->Workset() : nullptr;
+    return workset ? workset->State().get<ContainerRegistry>().find(device) : nullptr;
 }
 
 void registerQueryContainer(const ObjectRef& device, std::optional<StoredQueryObject> stored)
 {
-    registry().add(device, std::make_shared<QueryContainer>(std::move(stored)));
+    auto& registry = must(must(device).Workset()).State().get<ContainerRegistry>();
+    registry.add(device, std::make_shared<QueryContainer>(std::move(stored)));
 }
 
 DeviceRef QueryCreator::Create(const DeviceRef& owner, int option)

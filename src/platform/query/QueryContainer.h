@@ -61,6 +61,8 @@ private:
     std::shared_ptr<QueryXObj> attached_;
 };
 
+// Which devices are containers is kept per database: closing the database
+// forgets its containers with it.
 // The container side of a device. A device that no creator made carries
 // nothing: its HasXObj is false.
 std::shared_ptr<IQueryContainer> queryContainerOf(const ObjectRef& device);

@@ -211,7 +211,8 @@ void MemberCollection::AddObject(const ObjectRef& object)
                   [parent, member] {
                       parent->removeMember(*member);
                       member->detach();
-                  });
+                  },
+                  Notice::joining(ChangeKind::Moved, member));
 }
 
 ObjectRef MemberCollection::Detach(const ObjectRef& object)
@@ -227,7 +228,8 @@ ObjectRef MemberCollection::Detach(const ObjectRef& object)
             parent->removeMember(*member);
             member->detach();
         },
-        [parent, member, at] { parent->insertMember(member, at); });
+        [parent, member, at] { parent->insertMember(member, at); },
+        Notice::leaving(ChangeKind::Moved, member));
     return object;
 }
 

@@ -1,18 +1,18 @@
 #include "platform/store/Database.h"
 
+#include "objectmodel/Options.h"
 #include "objectmodel/Text.h"
+#include "platform/PipeSpecHelper.h"
 #include "platform/store/Collections.h"
 
 #include <algorithm>
 #include <atomic>
 #include <cctype>
+#include <utility>
 
 namespace pipespec::platform {
 
 namespace {
-constexpr int kCacheOption = 64;
-constexpr int kNormDimensionOption = 231;
-
 std::string upper(std::string_view text)
 {
     std::string out(text);
@@ -87,10 +87,10 @@ public:
         const auto workset = workset_.lock();
         if (!store || !workset) return nullptr;
         auto& globals = *workset->globals();
-        if (globals.getOption(kNormDimensionOption).IsEmpty())
+        if (globals.getOption(option::NormDimensions).IsEmpty())
             for (auto p = store; p; p = std::dynamic_pointer_cast<StoreProject>(p->BaseProject()))
-                if (auto norm = p->option(kNormDimensionOption); !norm.IsEmpty()) {
-                    globals.setoption(kNormDimensionOption, norm);
+                if (auto norm = p->option(option::NormDimensions); !norm.IsEmpty()) {
+                    globals.setoption(option::NormDimensions, norm);
                     break;
                 }
         return store->ObjectByPath("@3D", 1);
@@ -123,33 +123,59 @@ void countChange() { ++changes; }
 
 // ---- UndoState ---------------------------------------------------------
 
-void UndoState::record(std::function<void()> redo, std::function<void()> undo)
+void UndoState::record(std::uint64_t action, std::function<void()> redo, std::function<void()> undo)
 {
-    if (undone_) {
-        changes_.clear();
-        undone_ = false;
-    }
-    changes_.push_back({std::move(redo), std::move(undo)});
+    steps_.erase(steps_.begin() + static_cast<std::ptrdiff_t>(done_), steps_.end());
+    if (!open_ || steps_.empty() || steps_.back().action != action) steps_.push_back({action, {}});
+    done_ = steps_.size();
+    open_ = true;
+    steps_.back().changes.push_back({std::move(redo), std::move(undo)});
 }
 
 void UndoState::Undo()
 {
-    if (undone_) return;
-    replaying_ = true;
-    for (auto it = changes_.rbegin(); it != changes_.rend(); ++it) it->undo();
-    replaying_ = false;
-    undone_ = true;
-    countChange();
+    if (done_ == 0) return;
+    replay(steps_[done_ - 1], true);
+    --done_;
 }
 
 void UndoState::Redo()
 {
-    if (!undone_) return;
-    replaying_ = true;
-    for (auto& change : changes_) change.redo();
-    replaying_ = false;
-    undone_ = false;
-    countChange();
+    if (done_ == steps_.size()) return;
+    replay(steps_[done_], false);
+    ++done_;
+}
+
+std::size_t UndoState::size() const
+{
+    std::size_t changes = 0;
+    for (std::size_t i = 0; i < done_; ++i) changes += steps_[i].changes.size();
+    return changes;
+}
+
+void UndoState::replay(const Step& step, bool backward)
+{
+    open_ = false;
+    const auto& changes = step.changes;
+    const auto count = changes.size();
+    // The i-th change taken, newest first backward.
+    const auto change = [&](std::size_t i) -> const Change& { return changes[backward ? count - 1 - i : i]; };
+    const auto run = [&] {
+        std::size_t taken = 0;
+        try {
+            for (; taken < count; ++taken) backward ? change(taken).undo() : change(taken).redo();
+        } catch (...) {
+            while (taken > 0) {
+                --taken;
+                backward ? change(taken).redo() : change(taken).undo();
+            }
+            throw;
+        }
+    };
+    if (const auto workset = workset_.lock())
+        workset->replay(run);
+    else
+        run();
 }
 
 // ---- StoreProject ------------------------------------------------------
@@ -234,7 +260,7 @@ Variant Globals::getOption(int number) const
 {
     auto& value = options_[number];
     // The cache of pipe-class entries is always a map, so callers can drop an entry.
-    if (number == kCacheOption && !value.map()) value = std::make_shared<VariantMap>();
+    if (number == option::PipeClassCache && !value.map()) value = std::make_shared<VariantMap>();
     return value;
 }
 
@@ -279,11 +305,79 @@ void StoreWorkset::SetCurrentProject(const ProjectRef& project)
 
 CollectionRef StoreWorkset::NewCollection() const { return std::make_shared<FreeCollection>(); }
 
+std::shared_ptr<IPipeSpecHelper> StoreWorkset::NewPipeSpecHelper(std::shared_ptr<const INameTable> names) const
+{
+    return std::make_shared<PipeSpecHelper>(std::move(names));
+}
+
+DatabaseState& StoreWorkset::State()
+{
+    const auto database = database_.lock();
+    if (!database) throw PlatformError(err::ObjectNotSet, "the database of this workset is closed");
+    return database->state();
+}
+
 void StoreWorkset::SetCurrentUndoState(const UndoStateRef& state)
 {
     auto undo = std::dynamic_pointer_cast<UndoState>(state);
-    if (state && !undo) throw PlatformError(err::InvalidCall, "an undo state must come from this workset");
+    // Its steps hold this database's objects, and its replays stop this workset recording.
+    if (state && (!undo || undo->workset().get() != this)) throw PlatformError(err::InvalidCall, "an undo state must come from this workset");
     undo_ = std::move(undo);
+}
+
+void StoreWorkset::BeginAction()
+{
+    if (depth_++ == 0) ++action_;
+}
+
+void StoreWorkset::EndAction()
+{
+    if (depth_ == 0) throw PlatformError(err::InvalidCall, "an action ends that has not begun");
+    if (--depth_ > 0) return;
+    ++action_;
+    deliver(std::exchange(pending_, {}));
+}
+
+void StoreWorkset::AddChangeObserver(const std::shared_ptr<IChangeObserver>& observer)
+{
+    if (observer) observers_.push_back(observer);
+}
+
+void StoreWorkset::announce(ChangeNotice notice)
+{
+    pending_.push_back(std::move(notice));
+    if (depth_ == 0) deliver(std::exchange(pending_, {}));
+}
+
+void StoreWorkset::deliver(const std::vector<ChangeNotice>& notices)
+{
+    if (notices.empty()) return;
+    // The observers as they stand now: one that comes or goes while they
+    // hear, or a change an observer makes, does not disturb this round.
+    std::vector<std::shared_ptr<IChangeObserver>> hearing;
+    std::erase_if(observers_, [&hearing](const std::weak_ptr<IChangeObserver>& weak) {
+        auto observer = weak.lock();
+        if (!observer) return true;
+        hearing.push_back(std::move(observer));
+        return false;
+    });
+    for (const auto& observer : hearing) {
+        observer->BeginChanges();
+        for (const auto& notice : notices) observer->ObjectChanged(notice);
+        observer->EndChanges();
+    }
+}
+
+void StoreWorkset::replay(const std::function<void()>& changes)
+{
+    const ActionScope action(*this);
+    // Restored before the action ends, so that what observers change is recorded.
+    struct Replaying {
+        bool& flag;
+        const bool before = std::exchange(flag, true);
+        ~Replaying() { flag = before; }
+    } const replaying{replaying_};
+    changes();
 }
 
 double StoreWorkset::ParseNumber(std::string_view text) const

@@ -3,6 +3,7 @@
 // Projects, the workset with its options, undo states, and the database that
 // owns them all.
 
+#include "objectmodel/DatabaseState.h"
 #include "objectmodel/ObjectModel.h"
 #include "platform/store/Objects.h"
 
@@ -17,26 +18,45 @@
 namespace pipespec::platform {
 
 class Database;
+class StoreWorkset;
 
-// The changes of one user action, in the order they were made. Undo reverts
-// them newest first; Redo makes them again. Each is taken once in turn, and a
-// change recorded after Undo starts the action afresh.
+// The changes recorded while it is the workset's current undo state, as a
+// history of steps. The changes of one user action (one outermost bracket of
+// the workset) form a step, also when the action makes another state current
+// for a while; changes outside any bracket join the newest step until a
+// bracket or a replay ends it. Undo takes back the newest step, Redo puts
+// back the step undone last, and a change recorded after an Undo drops what
+// could be redone. A replay is all or nothing: when a change of the step
+// fails, the changes already replayed are taken back and the error passes on.
 class UndoState final : public IUndoState {
 public:
-    void record(std::function<void()> redo, std::function<void()> undo);
+    explicit UndoState(std::weak_ptr<StoreWorkset> workset) : workset_(std::move(workset)) {}
+    // A change made within the workset's action number `action`.
+    void record(std::uint64_t action, std::function<void()> redo, std::function<void()> undo);
     void Undo();
     void Redo();
-    std::size_t size() const { return changes_.size(); }
-    bool replaying() const { return replaying_; }
+    std::size_t undoSteps() const { return done_; }
+    std::size_t redoSteps() const { return steps_.size() - done_; }
+    // How many changes the steps that Undo can take back hold.
+    std::size_t size() const;
+    // The workset that made it, which alone takes it as its current state.
+    std::shared_ptr<StoreWorkset> workset() const { return workset_.lock(); }
 
 private:
     struct Change {
         std::function<void()> redo;
         std::function<void()> undo;
     };
-    std::vector<Change> changes_;
-    bool replaying_ = false;
-    bool undone_ = false;
+    struct Step {
+        std::uint64_t action = 0;
+        std::vector<Change> changes;
+    };
+    void replay(const Step& step, bool backward);
+
+    std::weak_ptr<StoreWorkset> workset_;
+    std::vector<Step> steps_;
+    std::size_t done_ = 0;  // steps_ before this can be undone, the others redone
+    bool open_ = false;     // the newest step takes further changes of its action
 };
 
 class StoreProject final : public IProject, public std::enable_shared_from_this<StoreProject> {
@@ -131,21 +151,37 @@ public:
     ProjectRef CurrentProject() const override { return current_; }
     void SetCurrentProject(const ProjectRef& project) override;
     CollectionRef NewCollection() const override;
+    std::shared_ptr<IPipeSpecHelper> NewPipeSpecHelper(std::shared_ptr<const INameTable> names) const override;
     std::shared_ptr<IAppGlobals> AppGlobals() const override { return appGlobals_; }
     std::shared_ptr<IGlobals> Globals() const override { return globals_; }
     UndoStateRef CurrentUndoState() const override { return undo_; }
     void SetCurrentUndoState(const UndoStateRef& state) override;
     std::shared_ptr<IClipboard> Clipboard() const override { return clipboardService_; }
     double ParseNumber(std::string_view text) const override;
+    DatabaseState& State() override;
 
-    std::shared_ptr<UndoState> NewUndoState() const { return std::make_shared<UndoState>(); }
-    // The state that records changes now; empty while none is set or while it replays.
-    UndoState* recorder() const { return undo_ && !undo_->replaying() ? undo_.get() : nullptr; }
+    void BeginAction() override;
+    void EndAction() override;
+    void AddChangeObserver(const std::shared_ptr<IChangeObserver>& observer) override;
+
+    std::shared_ptr<UndoState> NewUndoState() { return std::make_shared<UndoState>(weak_from_this()); }
+    // The write gate's side: a change goes into the current undo state, which
+    // records nothing while a replay runs, and is told to observers, if any.
+    bool recording() const { return undo_ && !replaying_; }
+    void record(std::function<void()> redo, std::function<void()> undo) { undo_->record(action_, std::move(redo), std::move(undo)); }
+    bool listened() const { return !observers_.empty(); }
+    void announce(ChangeNotice notice);
+    // Runs an undo state's replay as one action that is recorded nowhere.
+    void replay(const std::function<void()>& changes);
+
     void setDragObject(Variant object) { drag_ = std::move(object); }
     std::shared_ptr<platform::Globals> globals() const { return globals_; }
     std::shared_ptr<platform::AppGlobals> appGlobals() const { return appGlobals_; }
 
 private:
+    // Tells one action's changes to the observers there are now.
+    void deliver(const std::vector<ChangeNotice>& notices);
+
     std::weak_ptr<Database> database_;
     std::shared_ptr<StoreProject> current_;
     std::shared_ptr<platform::Globals> globals_;
@@ -155,6 +191,11 @@ private:
     std::shared_ptr<IClipboard> clipboardService_;
     std::shared_ptr<ILateBoundTools> tools_;
     Variant drag_;
+    std::vector<std::weak_ptr<IChangeObserver>> observers_;
+    std::vector<ChangeNotice> pending_;  // of the action under way
+    std::uint64_t action_ = 0;           // counts actions, and the times between two
+    int depth_ = 0;                      // of the brackets open
+    bool replaying_ = false;
 };
 
 // One open database: its projects, the system project and the workset.
@@ -180,8 +221,12 @@ public:
     const std::unordered_set<std::shared_ptr<StoredObject>>& changes() const { return changes_; }
     void forgetChanges() { changes_.clear(); }
 
+    // What the code keeps for this database; it goes when the database closes.
+    DatabaseState& state() { return state_; }
+
 private:
     Database() = default;
+    DatabaseState state_;
     std::unordered_set<std::shared_ptr<StoredObject>> changes_;
     bool tracking_ = false;
     std::vector<std::shared_ptr<StoreProject>> projects_;

@@ -104,13 +104,13 @@ void StoredObject::SetName(std::string_view name)
     };
     std::string from = name_.str();
     std::string to(name);
-    write([rename, from, to] { rename(from, to); }, [rename, from, to] { rename(to, from); });
+    write([rename, from, to] { rename(from, to); }, [rename, from, to] { rename(to, from); }, Notice::changed("Name"));
 }
 
 std::string StoredObject::Description() const { return stored<StoredObject>().rare().description; }
-void StoredObject::SetDescription(std::string_view text) { assign(editRare().description, std::string(text)); }
+void StoredObject::SetDescription(std::string_view text) { assign(editRare().description, std::string(text), "Description"); }
 std::string StoredObject::XmlText() const { return stored<StoredObject>().rare().xml; }
-void StoredObject::SetXmlText(std::string_view text) { assign(editRare().xml, std::string(text)); }
+void StoredObject::SetXmlText(std::string_view text) { assign(editRare().xml, std::string(text), "XmlText"); }
 
 WorksetRef StoredObject::Workset() const
 {
@@ -165,26 +165,41 @@ void StoredObject::checkWritable() const
         throw PlatformError(err::ReadOnly, "no write access to project " + project->Name());
 }
 
-void StoredObject::write(const std::function<void()>& apply, std::function<void()> revert)
+void StoredObject::write(const std::function<void()>& apply, std::function<void()> revert, const Notice& notice)
 {
     checkWritable();
     apply();
-    countChange();
-    noteChange();
+    changed(notice);
     const auto project = storeProject();
-    const auto workset = project ? std::static_pointer_cast<StoreWorkset>(project->Workset()) : nullptr;
-    auto* undo = workset ? workset->recorder() : nullptr;
-    if (!undo) return;
+    const auto database = project ? project->database() : nullptr;
+    const auto workset = database ? database->workset() : nullptr;
+    if (!workset || !workset->recording()) return;
     // Undo and redo change the object as much as the write did.
     auto me = shared_from_this();
-    undo->record([me, apply] { apply(); me->noteChange(); },
-                 [me, revert = std::move(revert)] { revert(); me->noteChange(); });
+    workset->record([me, apply, notice] { apply(); me->changed(notice); },
+                    [me, revert = std::move(revert), inverse = notice.inverse()] { revert(); me->changed(inverse); });
 }
 
-void StoredObject::noteChange()
+void StoredObject::changed(const Notice& notice)
 {
+    countChange();
     const auto project = storeProject();
-    if (const auto database = project ? project->database() : nullptr) database->noteChange(shared_from_this());
+    const auto database = project ? project->database() : nullptr;
+    if (!database) return;
+    database->noteChange(shared_from_this());
+    if (const auto workset = database->workset(); workset->listened()) workset->announce(notice.toldBy(shared_from_this()));
+}
+
+Notice Notice::inverse() const
+{
+    const auto undone = kind == ChangeKind::Created ? ChangeKind::Deleted : kind == ChangeKind::Deleted ? ChangeKind::Created : kind;
+    return {undone, property, member, !joins};
+}
+
+ChangeNotice Notice::toldBy(const std::shared_ptr<StoredObject>& writer) const
+{
+    if (!member) return {kind, writer, nullptr, nullptr, property};
+    return {kind, member, joins ? nullptr : writer, joins ? writer : nullptr, {}};
 }
 
 void StoredObject::persistOwner()
@@ -228,7 +243,8 @@ int StoredObject::Delete()
         [me, parent, at] {
             me->markDeleted(false);
             parent->insertMember(me, at);
-        });
+        },
+        Notice::leaving(ChangeKind::Deleted, me));
     return 0;
 }
 
@@ -243,7 +259,8 @@ void StoredObject::adopt(const std::shared_ptr<StoredObject>& member)
         [me, member] {
             me->removeMember(*member);
             member->markDeleted(true);
-        });
+        },
+        Notice::joining(ChangeKind::Created, member));
 }
 
 // ---- InheritedProxies --------------------------------------------------
@@ -486,7 +503,8 @@ void Device::MakePersistent()
         [me, parent, origin] {
             parent->removeMember(*me);
             me->setOrigin(origin);
-        });
+        },
+        Notice::joining(ChangeKind::Created, me));
 }
 
 SpecCollectionRef Device::SpecsByName() const
@@ -514,7 +532,7 @@ void Device::SetCDevice(const DeviceRef& base)
         if (step.get() == this)
             throw PlatformError(err::CycleRefused, "linking " + SystemFullName() + " to " + base->SystemFullName() +
                                                        " would make it its own base object");
-    assign(cdevice_, next);
+    assign(cdevice_, next, "CDevice");
     childProxies_.clear();
     forgetSpecProxies();
 }
@@ -675,7 +693,8 @@ void Specification::MakePersistent()
         [me, parent, origin] {
             parent->removeMember(*me);
             me->setOrigin(origin);
-        });
+        },
+        Notice::joining(ChangeKind::Created, me));
 }
 
 std::shared_ptr<Device> Specification::device() const
@@ -716,11 +735,11 @@ void Specification::SetValueType(std::string_view type)
 {
     if (type.size() != 1 || (type != "A" && type != "N" && type != "C"))
         throw PlatformError(err::InvalidCall, "value type of " + SystemFullName() + " must be A, N or C, not '" + std::string(type) + "'");
-    assign(type_, type[0]);
+    assign(type_, type[0], "ValueType");
 }
 
 std::string Specification::InheritMode() const { return extras().inheritMode; }
-void Specification::SetInheritMode(std::string_view mode) { assign(editExtras().inheritMode, std::string(mode)); }
+void Specification::SetInheritMode(std::string_view mode) { assign(editExtras().inheritMode, std::string(mode), "InheritMode"); }
 
 std::string Specification::Value() const
 {
@@ -735,7 +754,7 @@ std::string Specification::Value() const
 void Specification::SetValue(std::string_view value)
 {
     if (type_ == 'C') return SetLanguageValue(1, value);
-    assign(value_, CompactText(value));
+    assign(value_, CompactText(value), "Value");
 }
 
 void Specification::SetLanguageValue(int languageIndex, std::string_view value)
@@ -745,7 +764,7 @@ void Specification::SetLanguageValue(int languageIndex, std::string_view value)
     auto texts = editExtras().languageValues;
     if (texts.size() < static_cast<std::size_t>(languageIndex)) texts.resize(static_cast<std::size_t>(languageIndex));
     texts[static_cast<std::size_t>(languageIndex - 1)] = std::string(value);
-    assign(editExtras().languageValues, texts);
+    assign(editExtras().languageValues, texts, "Value");
 }
 
 std::string Specification::DisplayValue() const
@@ -770,7 +789,7 @@ void Specification::SetStandardTable(const ObjectRef& table)
 {
     auto next = std::dynamic_pointer_cast<platform::StandardTable>(table);
     if (table && !next) throw PlatformError(err::InvalidCall, "the value list of " + SystemFullName() + " must be a standard table");
-    assign(editExtras().table, next);
+    assign(editExtras().table, next, "StandardTable");
 }
 
 SpecCollectionRef Specification::OwnSpecifications() const
@@ -784,12 +803,15 @@ CollectionRef Specification::Specifications() const
 }
 
 std::string Specification::ControlType() const { return extras().controlType; }
-void Specification::SetControlType(std::string_view type) { assign(editExtras().controlType, std::string(type)); }
+void Specification::SetControlType(std::string_view type) { assign(editExtras().controlType, std::string(type), "ControlType"); }
 std::string Specification::ControlProperties() const { return extras().controlProperties; }
-void Specification::SetControlProperties(std::string_view text) { assign(editExtras().controlProperties, std::string(text)); }
+void Specification::SetControlProperties(std::string_view text)
+{
+    assign(editExtras().controlProperties, std::string(text), "ControlProperties");
+}
 
 DeviceRef Specification::LinkObject() const { return asDevice(extras().link); }
-void Specification::SetLinkObject(const ObjectRef& object) { assign(editExtras().link, object); }
+void Specification::SetLinkObject(const ObjectRef& object) { assign(editExtras().link, object, "LinkObject"); }
 
 SpecRef Specification::InheritedChapter() const { return extras().inheritedChapter; }
 
@@ -800,7 +822,7 @@ void Specification::InheritFrom(const SpecRef& chapter)
     if (next && (next.get() == this || next->inheritsFrom(*this)))
         throw PlatformError(err::CycleRefused, SystemFullName() + " cannot inherit from " + chapter->SystemFullName() +
                                                    ": the chapter would inherit from itself");
-    assign(editExtras().inheritedChapter, next);
+    assign(editExtras().inheritedChapter, next, "InheritedChapter");
     forgetSpecProxies();
 }
 
@@ -817,7 +839,7 @@ bool Specification::SetXValue(int index, std::string_view value)
     auto values = editExtras().xValues;
     if (values.size() <= static_cast<std::size_t>(index)) values.resize(static_cast<std::size_t>(index) + 1);
     values[static_cast<std::size_t>(index)] = std::string(value);
-    assign(editExtras().xValues, values);
+    assign(editExtras().xValues, values, "XValue");
     return true;
 }
 
@@ -826,7 +848,7 @@ int Specification::LinkedCount() const { return extras().linkedCount; }
 void Specification::setLinkedCount(int count) { editExtras().linkedCount = count; }
 
 long Specification::AnswerMode() const { return extras().answerMode; }
-void Specification::SetAnswerMode(long mode) { assign(editExtras().answerMode, mode); }
+void Specification::SetAnswerMode(long mode) { assign(editExtras().answerMode, mode, "AnswerMode"); }
 
 std::string Specification::ValueOfDisplayText(std::string_view displayText) const
 {
@@ -856,7 +878,7 @@ ObjectRef StandardValue::Copy() const
 }
 
 std::string StandardValue::SystemFullName() const { return ownerPath() + "#" + name_; }
-void StandardValue::SetValue(std::string_view value) { assign(value_, CompactText(value)); }
+void StandardValue::SetValue(std::string_view value) { assign(value_, CompactText(value), "Value"); }
 
 StandardTable::StandardTable(std::string name, std::shared_ptr<StoreProject> project)
     : StoredObject(std::move(name), std::move(project))

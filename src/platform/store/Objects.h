@@ -79,9 +79,27 @@ inline constexpr int kUniqueNumberBits = 48;
 // A position past the last member: insertMember puts the member last.
 inline constexpr std::size_t kLast = std::numeric_limits<std::size_t>::max();
 
+// A change as the write gate tells it: a property of the writing object
+// changed, or a member joins or leaves the writing object.
+struct Notice {
+    ChangeKind kind = ChangeKind::Changed;
+    std::string_view property;             // Changed: what of the writer
+    std::shared_ptr<StoredObject> member;  // otherwise: the member that joins or leaves
+    bool joins = false;
+
+    static Notice changed(std::string_view property) { return {ChangeKind::Changed, property, nullptr, false}; }
+    static Notice joining(ChangeKind kind, std::shared_ptr<StoredObject> member) { return {kind, {}, std::move(member), true}; }
+    static Notice leaving(ChangeKind kind, std::shared_ptr<StoredObject> member) { return {kind, {}, std::move(member), false}; }
+    // What undoing the change does.
+    Notice inverse() const;
+    // The change as observers learn it.
+    ChangeNotice toldBy(const std::shared_ptr<StoredObject>& writer) const;
+};
+
 // What every object of the database has: name, description, owner, project,
 // the temporary state, deletion. Every change goes through write(), which
-// refuses what may not be changed and records the change for undo.
+// refuses what may not be changed, records the change for undo and tells it
+// to the workset's observers.
 class StoredObject : public virtual IBaseObject, public std::enable_shared_from_this<StoredObject> {
 public:
     std::string Name() const override;
@@ -129,15 +147,16 @@ public:
     virtual void removeMember(StoredObject&) {}
     virtual void insertMember(const std::shared_ptr<StoredObject>&, std::size_t) {}
 
-    // Runs a change after the checks, and records how to undo and redo it.
-    void write(const std::function<void()>& apply, std::function<void()> revert);
-    // A change of one field, with undo.
+    // The one gate of every change: runs it after the checks, records how to
+    // undo and redo it, and tells it to whoever listens.
+    void write(const std::function<void()>& apply, std::function<void()> revert, const Notice& notice);
+    // A change of one field, the property `property`, with undo.
     template <class T>
-    void assign(T& field, T value)
+    void assign(T& field, T value, std::string_view property)
     {
         T old = field;
         auto self = shared_from_this();
-        write([self, &field, value] { field = value; }, [self, &field, old] { field = old; });
+        write([self, &field, value] { field = value; }, [self, &field, old] { field = old; }, Notice::changed(property));
     }
 
 protected:
@@ -159,8 +178,9 @@ protected:
         const auto& from = origin();
         return from ? static_cast<const T&>(*from).template stored<T>() : static_cast<const T&>(*this);
     }
-    // Tells the database that this object's fields or list of members changed.
-    void noteChange();
+    // Tells the database, and through the workset whoever listens, that this
+    // object's fields or list of members changed.
+    void changed(const Notice& notice);
     virtual bool memberNameTaken(const StoredObject&, std::string_view) const { return false; }
     virtual void renameMember(const StoredObject&, const std::string&, const std::string&) {}
     // The path part of the full name; empty owner means "not in the database".

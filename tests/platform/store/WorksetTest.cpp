@@ -1,6 +1,7 @@
 // The workset: numbered options, application values, free collections, the
 // number reader and the clipboard.
 
+#include "objectmodel/DatabaseState.h"
 #include "objectmodel/ExpectError.h"
 #include "support/World.h"
 
@@ -121,6 +122,24 @@ TEST(Workset, NewCollectionIsAFreeListCountedFromOne)
     EXPECT_EQ(list->IndexOf(a), 2);
     EXPECT_EQ(a->Owner(), root) << "a free list owns nothing";
     EXPECT_EQ(errorNumber([&] { list->CreateNewWithName("X"); }), err::NotSupported);
+}
+
+TEST(Workset, StateIsKeptPerDatabaseAndGoesWhenTheDatabaseCloses)
+{
+    struct Count {
+        int calls = 0;
+    };
+    WorksetRef closed;
+    {
+        const World first;
+        const World second;
+        closed = first.workset();
+        ++closed->State().get<Count>().calls;
+        ++closed->State().get<Count>().calls;
+        EXPECT_EQ(closed->State().get<Count>().calls, 2);
+        EXPECT_EQ(second.workset()->State().get<Count>().calls, 0);
+    }
+    EXPECT_EQ(errorNumber([&] { (void)closed->State(); }), err::ObjectNotSet);
 }
 
 TEST(Workset, ParseNumberReadsANumberOrFailsWithTypeMismatch)
