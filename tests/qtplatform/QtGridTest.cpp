@@ -41,7 +41,7 @@ public:
 
 // What the grid shows, in one line: the heads of the shown columns, then
 // each row; a check box reads "[x]" or "[ ]".
-std::string shown(const QtGrid& grid)
+std::string gridText(const QtGrid& grid)
 {
     const auto& model = grid.tableModel();
     const auto cell = [&](int row, int section) {
@@ -189,7 +189,7 @@ protected:
 
 TEST_F(QtGridTest, ShowsTheQueryAndFollowsClicksKeysAndHeads)
 {
-    EXPECT_EQ(shown(*grid), "Name|Text|DN|Branch; E2|Element E2|15|[ ]; E1|Element E1|15|[x]; E3|Element E3|15|[ ]")
+    EXPECT_EQ(gridText(*grid), "Name|Text|DN|Branch; E2|Element E2|15|[ ]; E1|Element E1|15|[x]; E3|Element E3|15|[ ]")
         << "titles translated; the invisible and the zero-width column take no room";
     EXPECT_EQ(grid->columnWidth(0), 4 * grid->pixelsPerUnit()) << "a column's own width, in units";
 
@@ -207,9 +207,9 @@ TEST_F(QtGridTest, ShowsTheQueryAndFollowsClicksKeysAndHeads)
 
     // A head click sorts a sortable column through the query, the selection stays with its objects.
     mouse(heads(), headAt("Name"));
-    EXPECT_THAT(shown(*grid), HasSubstr("; E1|Element E1|15|[x]; E2|Element E2|15|[ ]; E3|"));
+    EXPECT_THAT(gridText(*grid), HasSubstr("; E1|Element E1|15|[x]; E2|Element E2|15|[ ]; E3|"));
     mouse(heads(), headAt("Name"));
-    EXPECT_THAT(shown(*grid), HasSubstr("; E3|Element E3|15|[ ]; E2|Element E2|15|[ ]; E1|"));
+    EXPECT_THAT(gridText(*grid), HasSubstr("; E3|Element E3|15|[ ]; E2|Element E2|15|[ ]; E1|"));
     EXPECT_EQ(grid->horizontalHeader()->sortIndicatorOrder(), Qt::DescendingOrder);
     EXPECT_EQ(grid->CurrentObject(), e1);
     mouse(heads(), headAt("Lower"));
@@ -227,7 +227,7 @@ TEST_F(QtGridTest, ShowsTheQueryAndFollowsClicksKeysAndHeads)
     e1->SetDescription("Changed");
     grid->Redraw();
     EXPECT_EQ(repainted.count(), 1);
-    EXPECT_THAT(shown(*grid), HasSubstr("E1|Changed|"));
+    EXPECT_THAT(gridText(*grid), HasSubstr("E1|Changed|"));
     query->Top()->SetObjects(rows({e2, e3}));
     query->Refresh();
     grid->Refresh();
@@ -289,7 +289,7 @@ TEST_F(QtGridTest, EditsGoThroughTheQueryAndABadNumberWritesNothing)
     QTest::keyClick(grid, Qt::Key_F2);
     type("new text");
     EXPECT_EQ(e1->Description(), "new text");
-    EXPECT_THAT(shown(*grid), HasSubstr("E1|new text|"));
+    EXPECT_THAT(gridText(*grid), HasSubstr("E1|new text|"));
 
     sink->refuse = true;
     QTest::keyClick(grid, Qt::Key_F2);
@@ -337,7 +337,7 @@ TEST_F(QtGridTest, ColumnsMoveByTheirHeadsDeleteUnlessRefusedAndKeepTheirLayout)
     EXPECT_THAT(sink->take(), ElementsAre("ColumnsChanged"));
     EXPECT_EQ(buttonsAtChange, Qt::NoButton) << "the sink reads the button up";
     EXPECT_EQ(query->Top()->Columns()->Item(4)->Key(), "Name") << "behind the hidden FunctionCode and Lower";
-    EXPECT_THAT(shown(*grid), ::testing::StartsWith("Text|DN|Name|Branch; Element E2|15|E2|[ ]"));
+    EXPECT_THAT(gridText(*grid), ::testing::StartsWith("Text|DN|Name|Branch; Element E2|15|E2|[ ]"));
     EXPECT_EQ(grid->columnWidth(grid->tableModel().sectionOf(query->Top()->Columns()->Item("Name"))), 150)
         << "the moved column keeps the width the user gave it";
 
@@ -350,7 +350,7 @@ TEST_F(QtGridTest, ColumnsMoveByTheirHeadsDeleteUnlessRefusedAndKeepTheirLayout)
     int placedAt = 0;
     copy->Top()->Columns()->Insert(copy->Top()->Columns()->Remove("Name"), 1, placedAt);
     other.SetQuery(copy);
-    EXPECT_EQ(shown(other), "Text|DN|Name|Branch") << "placed as stored; the copy has no rows before its Refresh";
+    EXPECT_EQ(gridText(other), "Text|DN|Name|Branch") << "placed as stored; the copy has no rows before its Refresh";
     EXPECT_EQ(other.columnWidth(other.tableModel().sectionOf(other.Query()->Top()->Columns()->Item("Name"))),
               grid->pixelsPerUnit() * ((150 + grid->pixelsPerUnit() / 2) / grid->pixelsPerUnit()))
         << "widths are stored in whole units";
@@ -368,7 +368,7 @@ TEST_F(QtGridTest, ColumnsMoveByTheirHeadsDeleteUnlessRefusedAndKeepTheirLayout)
     QTest::keyClick(grid, Qt::Key_Delete, Qt::ControlModifier);
     EXPECT_EQ(query->Top()->Columns()->Item("Description"), nullptr);
     EXPECT_EQ(grid->CurrentColumn(), nullptr);
-    EXPECT_THAT(shown(*grid), ::testing::StartsWith("DN|Name|Branch; 15|E2|[ ]"));
+    EXPECT_THAT(gridText(*grid), ::testing::StartsWith("DN|Name|Branch; 15|E2|[ ]"));
     EXPECT_THAT(selectedNames(), ElementsAre("E2")) << "the row stays selected";
     EXPECT_THAT(sink->take(), ElementsAre("BeforeColumnsDelete Description", "BeforeColumnsDelete Description",
                                           "AfterColumnsDelete"));
