@@ -62,6 +62,8 @@ constexpr Target kTargets[] = {
     {"BM_MemoryPerAttributeOpened", "Heap per attribute, 1,000,000 opened from a file", Check::BytesAtMost, 200},
     {"BM_CliAddThousandOfTwentyThousand", "Command line add: 1,000 names on a catalogue of 20,000 components",
      Check::WallAtMost, 1.0},
+    {"BM_QtGridShowQuery50k", "Qt grid: show a 50,000-row query, up to its first painted screen", Check::WallAtMost, 0.300},
+    {"BM_QtGridScrollOneScreen50k", "Qt grid: scroll 50,000 rows by one screen and paint it", Check::WallAtMost, 0.016},
 };
 
 // Repetitions unless the command line says how many: the table shows their medians.

@@ -1,25 +1,12 @@
 #include "platform/query/HeadlessGrid.h"
 
-#include "objectmodel/Text.h"
 #include "platform/store/Collections.h"
-#include "platform/query/QueryCells.h"
 
 #include <algorithm>
 #include <unordered_set>
 #include <utility>
 
 namespace pipespec::platform {
-
-// ---- GridSettings ------------------------------------------------------
-
-void GridSettings::Load(const ObjectSetNodeRef& node) { values_ = must(node).values; }
-
-int GridSettings::columnWidth(const IQueryColumn& column) const
-{
-    const auto found = values_.find("Width." + column.Key());
-    if (found == values_.end() || !text::IsNumeric(found->second)) return column.Width();
-    return text::CLng(found->second);
-}
 
 // ---- HeadlessGrid: what it shows ---------------------------------------
 
@@ -91,7 +78,7 @@ void HeadlessGrid::Refresh()
 void HeadlessGrid::ShutDown()
 {
     query_ = nullptr;
-    sink_.reset();
+    events_.reset();
     selection_.clear();
     currentObject_ = nullptr;
     currentColumn_ = nullptr;
@@ -99,16 +86,9 @@ void HeadlessGrid::ShutDown()
     menuColumn_ = nullptr;
 }
 
-void HeadlessGrid::SetEventSink(const std::shared_ptr<IQGridEvents>& sink)
-{
-    sink_ = sink;
-    sinkVersion_ = sink ? sink->Version() : 0;
-}
+void HeadlessGrid::SetEventSink(const std::shared_ptr<IQGridEvents>& sink) { events_.set(sink); }
 
-void HeadlessGrid::RemoveEventSink(const std::shared_ptr<IQGridEvents>& sink)
-{
-    if (sink_.lock() == sink) sink_.reset();
-}
+void HeadlessGrid::RemoveEventSink(const std::shared_ptr<IQGridEvents>& sink) { events_.remove(sink); }
 
 std::vector<ObjectRef> HeadlessGrid::rowObjects() const
 {
@@ -160,102 +140,54 @@ void HeadlessGrid::doubleClickCell(int row, std::string_view key)
 
 void HeadlessGrid::clickHead(std::string_view key)
 {
-    const auto clicked = column(key);
-    currentColumn_ = clicked;
-    raise([&](IQGridEvents& sink) { sink.HeadClick(clicked); });
-    if (!clicked->Sortable()) return;
-    const auto sort = query().Sorts()->Item(0);
-    const bool turn = sort->Column() == clicked && sort->Direction() == sortdirection::Ascending;
-    sort->SetColumn(clicked);
-    sort->SetDirection(turn ? sortdirection::Descending : sortdirection::Ascending);
-    query().Refresh();
-    Refresh();
+    currentColumn_ = column(key);
+    if (platform::clickHead(query(), currentColumn_, events_)) Refresh();
 }
 
 std::shared_ptr<const PopUpMenu> HeadlessGrid::openMenu(QueryColumnRef headColumn)
 {
-    menu_ = std::make_shared<PopUpMenu>();
     menuColumn_ = std::move(headColumn);
+    menu_ = platform::openMenu(menuColumn_, events_);
     return menu_;
 }
 
-std::shared_ptr<const PopUpMenu> HeadlessGrid::openCellMenu()
-{
-    auto menu = openMenu(nullptr);
-    raise([&](IQGridEvents& sink) { sink.BeforeCreateStdPopUp(menu_); });
-    raise([&](IQGridEvents& sink) { sink.PopUp(menu_); });
-    return menu;
-}
+std::shared_ptr<const PopUpMenu> HeadlessGrid::openCellMenu() { return openMenu(nullptr); }
 
-std::shared_ptr<const PopUpMenu> HeadlessGrid::openHeadMenu(std::string_view key)
-{
-    auto menu = openMenu(column(key));
-    raise([&](IQGridEvents& sink) { sink.TitlePopUp(menu_, menuColumn_); });
-    return menu;
-}
+std::shared_ptr<const PopUpMenu> HeadlessGrid::openHeadMenu(std::string_view key) { return openMenu(column(key)); }
 
 bool HeadlessGrid::openSubMenu(std::string_view key)
 {
-    const auto* entry = menu_ ? menu_->find(key) : nullptr;
-    if (!entry || !entry->subMenu()) return false;
-    if (menuColumn_)
-        raise([&](IQGridEvents& sink) { sink.TitlePopUpSubMenu(menu_, key, menuColumn_); });
-    else
-        raise([&](IQGridEvents& sink) { sink.PopUpSubMenu(menu_, key); });
-    return true;
+    return menu_ && platform::openSubMenu(menu_, key, menuColumn_, events_);
 }
 
 bool HeadlessGrid::chooseMenuEntry(std::string_view key)
 {
-    const auto* entry = menu_ ? menu_->find(key) : nullptr;
-    if (!entry || !entry->enabled || entry->separator() || entry->subMenu()) return false;
+    if (!menu_) return false;
     // The menu closes before the command runs; the command may open another.
     const auto menu = std::exchange(menu_, nullptr);
     const auto head = std::exchange(menuColumn_, nullptr);
-    if (head)
-        raise([&](IQGridEvents& sink) { sink.TitlePopUpCmd(menu, key, head); });
-    else
-        raise([&](IQGridEvents& sink) { sink.PopUpCmd(menu, key); });
-    return true;
+    if (platform::chooseMenuEntry(menu, key, head, events_)) return true;
+    menu_ = menu;
+    menuColumn_ = head;
+    return false;
 }
 
 bool HeadlessGrid::editCell(int row, std::string_view key, const Variant& value)
 {
     const auto edited = column(key);
-    if (!edited->Editable()) return false;
-    const auto object = rowObject(row);
-    bool cancel = false;
-    raise([&](IQGridEvents& sink) { sink.BeforeCellEdit(object, edited, cancel); });
-    if (cancel) return false;
-    const bool twoState = query().CellItemsKind(row, edited) == cellitems::TwoState;
-    query().SetCellValue(row, edited, twoState ? Variant(cells::flag(value)) : value);
-    raise([&](IQGridEvents& sink) { sink.AfterCellEdit(object, edited); });
-    return true;
+    return beginCellEdit(rowObject(row), edited, events_) && finishCellEdit(query(), row, edited, value, events_);
 }
 
 bool HeadlessGrid::deleteColumns(const std::vector<std::string>& keys)
 {
     std::vector<QueryColumnRef> doomed;
     for (const auto& key : keys) doomed.push_back(column(key));
-    bool cancel = false;
-    raise([&](IQGridEvents& sink) { sink.BeforeColumnsDelete(doomed, cancel); });
-    if (cancel) return false;
-    const auto columns = query().Top()->Columns();
-    for (const auto& key : keys) columns->Remove(key);
+    if (!platform::deleteColumns(query(), doomed, events_)) return false;
     if (std::find(doomed.begin(), doomed.end(), currentColumn_) != doomed.end()) currentColumn_ = nullptr;
-    raise([](IQGridEvents& sink) { sink.AfterColumnsDelete(); });
     return true;
 }
 
-void HeadlessGrid::moveColumn(std::string_view key, int position)
-{
-    const auto moved = column(key);
-    const auto columns = query().Top()->Columns();
-    columns->Remove(key);
-    int placedAt = 0;
-    columns->Insert(moved, position, placedAt);
-    raise([](IQGridEvents& sink) { sink.ColumnsChanged(); });
-}
+void HeadlessGrid::moveColumn(std::string_view key, int position) { platform::moveColumn(query(), column(key), position, events_); }
 
 bool HeadlessGrid::deleteSelectedRows()
 {
@@ -287,39 +219,25 @@ void HeadlessGrid::moveRow(int from, int to)
 Variant HeadlessGrid::startDrag()
 {
     const Variant data(SelectedObjects());
-    int allowed = dropeffect::Copy | dropeffect::Move | dropeffect::Link;
-    raise([&](IQGridEvents& sink) { sink.OLEStartDrag(data, allowed); });
-    return allowed == dropeffect::None ? Variant() : data;
+    return platform::startDrag(data, events_) == dropeffect::None ? Variant() : data;
 }
 
-int HeadlessGrid::dragOver(const Variant& data)
-{
-    dragEffect_ = dropeffect::None;
-    raise([&](IQGridEvents& sink) { sink.OLEDragOver(data, dragEffect_); });
-    return dragEffect_;
-}
+int HeadlessGrid::dragOver(const Variant& data) { return dragEffect_ = platform::dragOver(data, nullptr, events_); }
 
 int HeadlessGrid::dragOverHead(const Variant& data, std::string_view key)
 {
-    const auto target = column(key);
-    dragEffect_ = dropeffect::None;
-    raise([&](IQGridEvents& sink) { sink.OLETitleDragOver(data, dragEffect_, target); });
-    return dragEffect_;
+    return dragEffect_ = platform::dragOver(data, column(key), events_);
 }
 
 int HeadlessGrid::drop(const Variant& data)
 {
-    int effect = std::exchange(dragEffect_, dropeffect::None);
-    raise([&](IQGridEvents& sink) { sink.OLEDragDrop(data, effect); });
-    return effect;
+    return platform::drop(data, std::exchange(dragEffect_, dropeffect::None), nullptr, events_);
 }
 
 int HeadlessGrid::dropOnHead(const Variant& data, std::string_view key)
 {
     const auto target = column(key);
-    int effect = std::exchange(dragEffect_, dropeffect::None);
-    raise([&](IQGridEvents& sink) { sink.OLETitleDragDrop(data, effect, target); });
-    return effect;
+    return platform::drop(data, std::exchange(dragEffect_, dropeffect::None), target, events_);
 }
 
 void HeadlessGrid::completeDrag(int effect)

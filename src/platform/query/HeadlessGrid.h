@@ -8,30 +8,17 @@
 // named by key.
 
 #include "objectmodel/Grid.h"
+#include "platform/query/GridActions.h"
+#include "platform/query/GridSettings.h"
 #include "platform/query/PopUpMenu.h"
 
-#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace pipespec::platform {
-
-// The layout loaded from a settings node: column widths under "Width.<key>".
-class GridSettings final : public IGridSettings {
-public:
-    explicit GridSettings(std::string name) : name_(std::move(name)) {}
-    void Load(const ObjectSetNodeRef& node) override;
-    std::string Name() const override { return name_; }
-
-    // The loaded width where there is one, else the column's own.
-    int columnWidth(const IQueryColumn& column) const;
-
-private:
-    std::string name_;
-    std::map<std::string, std::string> values_;
-};
 
 class HeadlessGrid final : public IQGrid {
 public:
@@ -62,7 +49,7 @@ public:
     // The keys of the visible columns, left to right.
     std::vector<std::string> shownColumns() const;
     int redrawCount() const { return redraws_; }
-    int sinkVersion() const { return sinkVersion_; }
+    int sinkVersion() const { return events_.version(); }
 
     // What a user does. Rows and columns that are not there are an error (9).
     // Change.
@@ -113,7 +100,7 @@ private:
     template <class Event>
     void raise(Event&& event) const
     {
-        if (const auto sink = sink_.lock()) event(*sink);
+        events_.raise(std::forward<Event>(event));
     }
     IQuery& query() const;
     QueryColumnRef column(std::string_view key) const;
@@ -125,8 +112,7 @@ private:
     std::shared_ptr<const PopUpMenu> openMenu(QueryColumnRef headColumn);
 
     QueryRef query_;
-    std::weak_ptr<IQGridEvents> sink_;
-    int sinkVersion_ = 0;
+    GridSink events_;
     std::shared_ptr<GridSettings> settings_;
     std::vector<ObjectRef> selection_;
     ObjectRef currentObject_;

@@ -140,11 +140,14 @@ public:
     int dragEffect = dropeffect::None;
     std::function<void(IPopUpMenu&)> fillMenu;
     Variant dropped;
+    // Hears each event as it is recorded, to look at the world at that moment.
+    std::function<void(const std::string&)> heard;
 
 private:
     // Whether to refuse the event.
     bool record(std::string line)
     {
+        if (heard) heard(line);
         events_.push_back(std::move(line));
         return refuse;
     }
