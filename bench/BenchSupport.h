@@ -2,8 +2,8 @@
 
 // What the benchmark programs build their databases with.
 
-#include "platform/store/Database.h"
 #include "platform/persistence/Persistence.h"
+#include "platform/store/Database.h"
 
 #include <filesystem>
 #include <memory>
@@ -81,7 +81,8 @@ inline std::shared_ptr<platform::Database> attributeProject(int devices)
     const auto root = database->addProject("PLANT")->addRoot("@20");
     for (int d = 0; d < devices; ++d) {
         const auto chapter = root->createChild(numbered("D", d))->createSpec("GD");
-        for (int a = 0; a < kAttributesPerDevice; ++a) chapter->createSpec(numbered("A", a))->SetValue(std::to_string(a));
+        for (int a = 0; a < kAttributesPerDevice; ++a)
+            chapter->createSpec(numbered("A", a))->SetValue(std::to_string(a));
     }
     return database;
 }

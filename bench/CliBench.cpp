@@ -6,8 +6,8 @@
 #include "BenchSupport.h"
 #include "cli/Arguments.h"
 #include "cli/Commands.h"
-#include "platform/JsonProject.h"
 #include "platform/JsonNameTable.h"
+#include "platform/JsonProject.h"
 #include "platform/persistence/Persistence.h"
 
 #include <benchmark/benchmark.h>
@@ -53,7 +53,9 @@ const std::filesystem::path& bulkCatalogueFile()
                 bulk["devices"].push_back(
                     {{"name", bulkName(i)},
                      {"cdevice", "BASE:@40|CAT|BASE|FL-WN"},
-                     {"specs", {{{"name", "CONN"}, {"specs", {{{"name", "DN1"}, {"value", "100"}, {"table", "BASE:@3D|01|DIN|05"}}}}}}}});
+                     {"specs",
+                      {{{"name", "CONN"},
+                        {"specs", {{{"name", "DN1"}, {"value", "100"}, {"table", "BASE:@3D|01|DIN|05"}}}}}}}});
             catalogue["devices"].push_back(std::move(bulk));
             const auto names = platform::JsonNameTable::load(platform::JsonNameTable::shippedPath());
             platform::ProjectFile::create(path, platform::readJsonProject(document, "bench", *names).database);
@@ -68,14 +70,16 @@ const std::filesystem::path& bulkCatalogueFile()
 
 void BM_CliAddThousandOfTwentyThousand(benchmark::State& state)
 {
-    std::vector<std::string> words{"pipespec", "add", "--dry-run", "--duplicates", "yes", "--choose", "cancel", "--json",
-                                   "--class", "PC-A1-DIN", "--db", bulkCatalogueFile().string()};
+    std::vector<std::string> words{"pipespec", "add",       "--dry-run", "--duplicates",
+                                   "yes",      "--choose",  "cancel",    "--json",
+                                   "--class",  "PC-A1-DIN", "--db",      bulkCatalogueFile().string()};
     for (int i = 0; i < kNamed; ++i) words.push_back(bulkName(i * (kCatalogueSize / kNamed)));
     std::vector<const char*> argv;
     for (const auto& word : words) argv.push_back(word.c_str());
     auto args = cli::Arguments::parse(static_cast<int>(argv.size()), argv.data());
     const auto& all = cli::commands();
-    const auto& add = *std::find_if(all.begin(), all.end(), [](const cli::CommandInfo& c) { return c.name == std::string_view("add"); });
+    const auto& add = *std::find_if(all.begin(), all.end(),
+                                    [](const cli::CommandInfo& c) { return c.name == std::string_view("add"); });
     args.accept(add.accepts);
 
     for (auto _ : state) {

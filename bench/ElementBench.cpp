@@ -12,8 +12,8 @@
 #include "BenchSupport.h"
 #include "diagnostics/HeadlessHost.h"
 #include "elements/AddToPipeClass.h"
-#include "platform/store/Database.h"
 #include "platform/JsonNameTable.h"
+#include "platform/store/Database.h"
 
 #include <benchmark/benchmark.h>
 
@@ -160,7 +160,12 @@ void BM_ElementCreationInteractive(benchmark::State& state) { createElements(sta
 // Run once: these have no target and show how creation grows; at 10,000
 // elements the scan alone makes a run take some seconds.
 BENCHMARK(BM_ElementCreation)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond)->Complexity()->Repetitions(1);
-BENCHMARK(BM_ElementCreationInteractive)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond)->Complexity()->Repetitions(1);
+BENCHMARK(BM_ElementCreationInteractive)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Unit(benchmark::kMillisecond)
+    ->Complexity()
+    ->Repetitions(1);
 BENCHMARK(BM_ElementCreationPdms)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond)->Complexity();
 
 }  // namespace

@@ -52,8 +52,8 @@ constexpr Target kTargets[] = {
      Check::WallAtMost, 0.050},
     {"BM_QueryRefresh50k/sortByName:0", "Refresh 50,000 rows, filter and numeric sort, read one screen",
      Check::WallAtMost, 0.200},
-    {"BM_QueryRefresh50k/sortByName:1", "Refresh 50,000 rows, filter and text sort, read one screen",
-     Check::WallAtMost, 0.200},
+    {"BM_QueryRefresh50k/sortByName:1", "Refresh 50,000 rows, filter and text sort, read one screen", Check::WallAtMost,
+     0.200},
     {"BM_PersistOpenMillionAttributes", "Open a database of 1,000,000 attributes", Check::WallAtMost, 1.5},
     {"BM_PersistSaveTenThousandChanges", "Save 10,000 changed objects", Check::WallAtMost, 0.100},
     {"BM_PersistSaveWholeProject/1000", "Save a whole project, speed against a raw SQLite insert",
@@ -62,7 +62,8 @@ constexpr Target kTargets[] = {
     {"BM_MemoryPerAttributeOpened", "Heap per attribute, 1,000,000 opened from a file", Check::BytesAtMost, 200},
     {"BM_CliAddThousandOfTwentyThousand", "Command line add: 1,000 names on a catalogue of 20,000 components",
      Check::WallAtMost, 1.0},
-    {"BM_QtGridShowQuery50k", "Qt grid: show a 50,000-row query, up to its first painted screen", Check::WallAtMost, 0.300},
+    {"BM_QtGridShowQuery50k", "Qt grid: show a 50,000-row query, up to its first painted screen", Check::WallAtMost,
+     0.300},
     {"BM_QtGridScrollOneScreen50k", "Qt grid: scroll 50,000 rows by one screen and paint it", Check::WallAtMost, 0.016},
 };
 
@@ -130,14 +131,18 @@ Judgement judged(const Target& target, const Measured& figures, const Measured* 
     const auto yes = [](bool met) { return std::string(met ? "yes" : "NO"); };
     switch (target.check) {
     case Check::WallAtMost:
-        return {duration(figures.wall, threeDigits), duration(figures.cpu, threeDigits), yes(figures.wall <= target.limit)};
+        return {duration(figures.wall, threeDigits), duration(figures.cpu, threeDigits),
+                yes(figures.wall <= target.limit)};
     case Check::GrowthFrom:
-        return {prefixed("x", threeDigits(figures.wall / other->wall)), prefixed("x", threeDigits(figures.cpu / other->cpu)), "-"};
+        return {prefixed("x", threeDigits(figures.wall / other->wall)),
+                prefixed("x", threeDigits(figures.cpu / other->cpu)), "-"};
     case Check::SpeedOfAtLeast:
-        return {threeDigits(other->wall / figures.wall).append(" of raw"), threeDigits(other->cpu / figures.cpu).append(" of raw"),
+        return {threeDigits(other->wall / figures.wall).append(" of raw"),
+                threeDigits(other->cpu / figures.cpu).append(" of raw"),
                 yes(other->wall / figures.wall >= target.limit)};
     case Check::BytesAtMost:
-        return {threeDigits(figures.bytesPerAttribute).append(" B"), "-", yes(figures.bytesPerAttribute <= target.limit)};
+        return {threeDigits(figures.bytesPerAttribute).append(" B"), "-",
+                yes(figures.bytesPerAttribute <= target.limit)};
     }
     return {};
 }
@@ -182,9 +187,9 @@ public:
             if (run.run_type == Run::RT_Aggregate && run.aggregate_name != "median") continue;
             const double unitsPerSecond = benchmark::GetTimeUnitMultiplier(run.time_unit);
             const auto bytes = run.counters.find(pipespec::bench::kBytesPerAttribute);
-            measured_[instanceName(run)] = {run.GetAdjustedRealTime() / unitsPerSecond, run.GetAdjustedCPUTime() / unitsPerSecond,
-                                            bytes == run.counters.end() ? 0.0 : bytes->second.value,
-                                            run.repetitions, run.error_occurred};
+            measured_[instanceName(run)] = {
+                run.GetAdjustedRealTime() / unitsPerSecond, run.GetAdjustedCPUTime() / unitsPerSecond,
+                bytes == run.counters.end() ? 0.0 : bytes->second.value, run.repetitions, run.error_occurred};
         }
     }
 
@@ -199,8 +204,8 @@ public:
             const auto* other = target.other ? find(target.other) : nullptr;
             if (!figures || (target.other && !other)) continue;
             auto [wall, cpu, met] = judged(target, *figures, other);
-            rows.push_back({target.benchmark, target.work, std::move(wall), std::move(cpu), targetText(target), std::move(met),
-                            std::to_string(figures->runs)});
+            rows.push_back({target.benchmark, target.work, std::move(wall), std::move(cpu), targetText(target),
+                            std::move(met), std::to_string(figures->runs)});
         }
         if (rows.empty()) return;
         auto& out = display_->GetOutputStream();

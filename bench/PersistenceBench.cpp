@@ -31,7 +31,9 @@ void BM_PersistOpenMillionAttributes(benchmark::State& state)
         auto file = ProjectFile::open(path);
         benchmark::DoNotOptimize(file.database());
         state.PauseTiming();
-        { const auto closing = std::move(file); }
+        {
+            const auto closing = std::move(file);
+        }
         state.ResumeTiming();
     }
     state.SetItemsProcessed(state.iterations() * bench::kMillionAttributes);
@@ -47,7 +49,8 @@ void BM_PersistSaveTenThousandChanges(benchmark::State& state)
         state.PauseTiming();
         const auto value = "changed " + std::to_string(++round);
         // One attribute in each of 10,000 devices.
-        for (const auto& device : root->ownChildren().items()) device->ownSpecs().items().front()->ownSpecs().items().front()->SetValue(value);
+        for (const auto& device : root->ownChildren().items())
+            device->ownSpecs().items().front()->ownSpecs().items().front()->SetValue(value);
         state.ResumeTiming();
         benchmark::DoNotOptimize(file.save());
     }
@@ -68,8 +71,10 @@ struct Row {
 void collect(const platform::StoredObject& object, std::int64_t owner, std::size_t position, std::vector<Row>& rows)
 {
     const auto* spec = dynamic_cast<const platform::Specification*>(&object);
-    rows.push_back({static_cast<std::int64_t>(object.uniqueNumber()), static_cast<std::int64_t>(platform::format::kindOf(object)),
-                    owner, static_cast<std::int64_t>(position), object.Name(), spec ? std::string(spec->plainValue()) : std::string()});
+    rows.push_back({static_cast<std::int64_t>(object.uniqueNumber()),
+                    static_cast<std::int64_t>(platform::format::kindOf(object)), owner,
+                    static_cast<std::int64_t>(position), object.Name(),
+                    spec ? std::string(spec->plainValue()) : std::string()});
     platform::format::forEachMember(object, [&](const auto& member, std::size_t at) {
         collect(*member, static_cast<std::int64_t>(object.uniqueNumber()), at, rows);
     });
@@ -103,9 +108,15 @@ void BM_PersistRawBulkInsert(benchmark::State& state)
                   "; PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL");
         file.exec(platform::format::kSchema);
         platform::sqlite::Transaction transaction(file);
-        auto insert = file.prepare("INSERT INTO objects(id, kind, project, owner, position, name, value) VALUES(?1, ?2, 'PLANT', ?3, ?4, ?5, ?6)");
+        auto insert = file.prepare("INSERT INTO objects(id, kind, project, owner, position, name, value) VALUES(?1, "
+                                   "?2, 'PLANT', ?3, ?4, ?5, ?6)");
         for (const auto& row : rows) {
-            insert.bind(1, row.id).bind(2, row.kind).bind(3, row.owner).bind(4, row.position).bind(5, row.name).bind(6, row.value);
+            insert.bind(1, row.id)
+                .bind(2, row.kind)
+                .bind(3, row.owner)
+                .bind(4, row.position)
+                .bind(5, row.name)
+                .bind(6, row.value);
             insert.run();
         }
         transaction.commit();

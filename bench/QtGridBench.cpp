@@ -3,9 +3,9 @@
 // paint asks of the model and reads from the query, against the cells the
 // screen shows: the model reads visible cells only.
 
-#include "qtplatform/QtGrid.h"
 #include "platform/store/Database.h"
 #include "platform/store/ObjectFactory.h"
+#include "qtplatform/QtGrid.h"
 
 #include <QApplication>
 #include <QPixmap>

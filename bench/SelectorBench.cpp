@@ -97,7 +97,8 @@ void BM_SetQuestionReadOnlyWalkOfOneTab(benchmark::State& state)
     world.walkAll();
     if (!host.utilities().errors().empty()) state.SkipWithError(host.utilities().errors().front().description.c_str());
     const auto link = world.components.back()->Spec("SEL.Selector");
-    if (!link || !link->LinkObject() || link->LinkObject()->Name() != numbered("Q", kLevels) + ":" + answerOf(kComponents - 1, kLevels))
+    if (!link || !link->LinkObject() ||
+        link->LinkObject()->Name() != numbered("Q", kLevels) + ":" + answerOf(kComponents - 1, kLevels))
         state.SkipWithError("the walk did not reach the leaves");
     for (auto _ : state) world.walkAll();
     state.SetItemsProcessed(state.iterations() * kComponents);

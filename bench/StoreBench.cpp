@@ -15,9 +15,9 @@
 namespace pipespec {
 namespace {
 
+using bench::attribute;
 using bench::numbered;
 using bench::Projects;
-using bench::attribute;
 
 void BM_StoreCreateDevicesWithAttributes(benchmark::State& state)
 {

@@ -3,7 +3,9 @@
 namespace pipespec::cli {
 
 CommandLineChooser::CommandLineChooser(std::string how, std::istream& in, std::ostream& out)
-    : how_(std::move(how)), in_(in), out_(out)
+    : how_(std::move(how)),
+      in_(in),
+      out_(out)
 {
 }
 

@@ -43,10 +43,13 @@ json whatWasSaid(const diagnostics::HeadlessUtilities& host, const diagnostics::
         for (const auto& line : tracer.lines()) said["trace"].push_back(diagnostics::HeadlessTools::format(line));
     }
     for (const auto& box : host.messageBoxes())
-        said["messages"].push_back({{"text", box.text}, {"title", box.title}, {"flags", box.flags}, {"answer", box.answer}});
+        said["messages"].push_back(
+            {{"text", box.text}, {"title", box.title}, {"flags", box.flags}, {"answer", box.answer}});
     for (const auto& error : host.errors())
-        said["errors"].push_back(
-            {{"number", error.number}, {"description", error.description}, {"class", error.cls}, {"function", error.function}});
+        said["errors"].push_back({{"number", error.number},
+                                  {"description", error.description},
+                                  {"class", error.cls},
+                                  {"function", error.function}});
     return said;
 }
 
@@ -73,8 +76,8 @@ void keepChanges(Session& session, bool dryRun, json& report)
     if (dryRun) {
         report["notSaved"] = "--dry-run";
     } else if (session.file().isJsonProject()) {
-        report["notSaved"] = file + " is a JSON project, which the command line only reads; 'pipespec save --db " + file +
-                             " --as FILE.pspec' makes a database file of it";
+        report["notSaved"] = file + " is a JSON project, which the command line only reads; 'pipespec save --db " +
+                             file + " --as FILE.pspec' makes a database file of it";
     } else {
         const auto summary = session.file().save();
         report["saved"] = true;
@@ -264,7 +267,8 @@ int runAdd(const Arguments& args, std::ostream& out)
         out << "Pipe class " << report["pipeClass"].get<std::string>() << "\n";
         for (const auto& e : report["elements"]) {
             out << "  made " << e["element"].get<std::string>() << "  from " << e["cdevice"].get<std::string>() << "\n"
-                << "      nominal diameter " << e["lower"].get<std::string>() << " to " << e["upper"].get<std::string>();
+                << "      nominal diameter " << e["lower"].get<std::string>() << " to "
+                << e["upper"].get<std::string>();
             if (!e["range"].empty()) {
                 out << ", range";
                 for (const auto& dn : e["range"]) out << " " << dn.get<std::string>();
@@ -385,7 +389,8 @@ void printSelector(const json& node, std::size_t depth, std::ostream& out)
     if (!node["answer"].get<std::string>().empty()) out << "  answer " << node["answer"].get<std::string>();
     if (!node["question"].get<std::string>().empty()) out << "  asks " << node["question"].get<std::string>();
     if (!node["type"].get<std::string>().empty()) out << "  type " << node["type"].get<std::string>();
-    if (!node["defaultAnswer"].get<std::string>().empty()) out << "  default " << node["defaultAnswer"].get<std::string>();
+    if (!node["defaultAnswer"].get<std::string>().empty())
+        out << "  default " << node["defaultAnswer"].get<std::string>();
     out << "\n";
 }
 
@@ -398,7 +403,8 @@ void printOutline(const json& tree, std::ostream& out)
         waiting.pop_back();
         printSelector(*node, depth, out);
         const auto& children = (*node)["children"];
-        for (auto child = children.rbegin(); child != children.rend(); ++child) waiting.emplace_back(&*child, depth + 1);
+        for (auto child = children.rbegin(); child != children.rend(); ++child)
+            waiting.emplace_back(&*child, depth + 1);
     }
 }
 
@@ -420,7 +426,6 @@ int runSelectors(const Arguments& args, std::ostream& out)
     }
     return exitcode::Success;
 }
-
 
 // ---- info --------------------------------------------------------------
 
@@ -471,7 +476,8 @@ int runInfo(const Arguments& args, std::ostream& out)
                                       {"devices", devices}});
     }
     for (const auto& pipeClass : session.pipeClasses())
-        report["pipeClasses"].push_back({{"pipeClass", pipeClass->SystemFullName()}, {"elements", elementsOf(pipeClass).size()}});
+        report["pipeClasses"].push_back(
+            {{"pipeClass", pipeClass->SystemFullName()}, {"elements", elementsOf(pipeClass).size()}});
 
     if (args.flag("--json")) {
         printJson(report, out);
@@ -482,7 +488,8 @@ int runInfo(const Arguments& args, std::ostream& out)
     for (const auto& p : report["projects"]) {
         out << "  " << p["name"].get<std::string>();
         if (!p["base"].get<std::string>().empty()) out << "  on " << p["base"].get<std::string>();
-        out << "  " << p["devices"].get<std::size_t>() << " devices" << (p["writable"].get<bool>() ? "" : ", read only") << "\n";
+        out << "  " << p["devices"].get<std::size_t>() << " devices" << (p["writable"].get<bool>() ? "" : ", read only")
+            << "\n";
     }
     out << "Pipe classes:\n";
     for (const auto& c : report["pipeClasses"])
@@ -561,16 +568,22 @@ const std::vector<CommandInfo>& commands()
     static const std::vector<CommandInfo> all{
         {"info", "show the database: its file, projects, current project, counts of devices and the pipe classes",
          "info [--json] [--db FILE] [--lang en|de]", accepting({}, {}), runInfo, "open"},
-        {"validate", "tell, for every catalogue component, whether it may become an element of a pipe class, and why not",
-         "validate --class <pipe class> [--json] [--db FILE] [--lang en|de]", accepting({}, {"--class"}), runValidate, "check"},
+        {"validate",
+         "tell, for every catalogue component, whether it may become an element of a pipe class, and why not",
+         "validate --class <pipe class> [--json] [--db FILE] [--lang en|de]", accepting({}, {"--class"}), runValidate,
+         "check"},
         {"add", "make elements of a pipe class from catalogue components and save them",
-         "add --class <pipe class> [--duplicates yes|no] [--choose <answer>|cancel|ask] [--dry-run] [--trace] [--json] [--db FILE] [--lang en|de] <component>...",
+         "add --class <pipe class> [--duplicates yes|no] [--choose <answer>|cancel|ask] [--dry-run] [--trace] [--json] "
+         "[--db FILE] [--lang en|de] <component>...",
          accepting({"--trace", "--dry-run"}, {"--class", "--duplicates", "--choose"}, kTakesComponents), runAdd},
-        {"questions", "walk a component down the selector tree of a pipe class and list its questions, top first (never saves)",
-         "questions --class <pipe class> [--choose <answer>|cancel|ask] [--trace] [--json] [--db FILE] [--lang en|de] <component>",
+        {"questions",
+         "walk a component down the selector tree of a pipe class and list its questions, top first (never saves)",
+         "questions --class <pipe class> [--choose <answer>|cancel|ask] [--trace] [--json] [--db FILE] [--lang en|de] "
+         "<component>",
          accepting({"--trace"}, {"--class", "--choose"}, kTakesComponents), runQuestions},
         {"selectors", "show the selector tree of a pipe class with questions, answers and types",
-         "selectors --class <pipe class> [--json] [--db FILE] [--lang en|de]", accepting({}, {"--class"}), runSelectors},
+         "selectors --class <pipe class> [--json] [--db FILE] [--lang en|de]", accepting({}, {"--class"}),
+         runSelectors},
         {"export", "print one pipe class as JSON: attributes with values, elements with ranges, selector tree",
          "export --class <pipe class> [--json] [--db FILE] [--lang en|de]", accepting({}, {"--class"}), runExport},
         {"save", "save the database; with --as, to a new database file (the way to keep a JSON project)",

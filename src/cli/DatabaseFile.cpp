@@ -30,8 +30,9 @@ bool writeProtected(const fs::path& path)
 std::shared_ptr<const platform::JsonNameTable> namesOf(const ProjectFile& file, const fs::path& path,
                                                        const platform::JsonNameTable& defaultNames)
 {
-    return defaultNames.overlaid(parseJson(file.nameOverrides(), "Database file " + path.string() + " is damaged: its name table text"),
-                                 path.string());
+    return defaultNames.overlaid(
+        parseJson(file.nameOverrides(), "Database file " + path.string() + " is damaged: its name table text"),
+        path.string());
 }
 
 }  // namespace
@@ -51,11 +52,14 @@ fs::path defaultDatabasePath()
 }
 
 DatabaseFile::DatabaseFile(fs::path path, std::optional<ProjectFile> file, platform::LoadedDatabase loaded)
-    : path_(std::move(path)), file_(std::move(file)), loaded_(std::move(loaded))
+    : path_(std::move(path)),
+      file_(std::move(file)),
+      loaded_(std::move(loaded))
 {
 }
 
-DatabaseFile DatabaseFile::open(const fs::path& path, Use use, const platform::JsonNameTable& defaultNames, std::ostream& notes)
+DatabaseFile DatabaseFile::open(const fs::path& path, Use use, const platform::JsonNameTable& defaultNames,
+                                std::ostream& notes)
 {
     // A pipe or a device would block the first read for ever.
     std::error_code ignored;
@@ -71,8 +75,10 @@ DatabaseFile DatabaseFile::open(const fs::path& path, Use use, const platform::J
         return DatabaseFile(path, std::move(file), std::move(sample));
     }
     if (use == Use::Change && writeProtected(path))
-        throw PlatformError(err::ReadOnly, "Database file " + path.string() + " is write-protected; nothing is changed");
-    auto file = ProjectFile::open(path, use == Use::Read ? ProjectFile::Access::ReadOnly : ProjectFile::Access::ReadWrite);
+        throw PlatformError(err::ReadOnly,
+                            "Database file " + path.string() + " is write-protected; nothing is changed");
+    auto file =
+        ProjectFile::open(path, use == Use::Read ? ProjectFile::Access::ReadOnly : ProjectFile::Access::ReadWrite);
     platform::LoadedDatabase loaded{file.database(), namesOf(file, path, defaultNames), file.nameOverrides()};
     return DatabaseFile(path, std::move(file), std::move(loaded));
 }
@@ -80,7 +86,8 @@ DatabaseFile DatabaseFile::open(const fs::path& path, Use use, const platform::J
 ProjectFile& DatabaseFile::changeable(std::string_view doing)
 {
     if (!file_)
-        throw PlatformError(err::ReadOnly, "Project file " + path_.string() + " is a JSON project, which the command line only reads; " +
+        throw PlatformError(err::ReadOnly, "Project file " + path_.string() +
+                                               " is a JSON project, which the command line only reads; " +
                                                std::string(doing));
     return *file_;
 }

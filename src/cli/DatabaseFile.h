@@ -7,8 +7,8 @@
 // written: that format is for reading and exchange, and a run that changes
 // it says that nothing was saved.
 
-#include "platform/JsonProject.h"
 #include "platform/JsonNameTable.h"
+#include "platform/JsonProject.h"
 #include "platform/persistence/Persistence.h"
 
 #include <cstddef>
@@ -61,7 +61,8 @@ private:
     platform::ProjectFile& changeable(std::string_view doing);
     bool replay(bool (platform::ProjectFile::*step)(), std::string_view refused);
 
-    DatabaseFile(std::filesystem::path path, std::optional<platform::ProjectFile> file, platform::LoadedDatabase loaded);
+    DatabaseFile(std::filesystem::path path, std::optional<platform::ProjectFile> file,
+                 platform::LoadedDatabase loaded);
 
     std::filesystem::path path_;
     std::optional<platform::ProjectFile> file_;

@@ -30,7 +30,8 @@ void collect(const DeviceRef& device, const std::function<bool(const DeviceRef&)
 std::set<std::string> languages()
 {
     std::set<std::string> names{"de"};
-    for (const auto& table : std::filesystem::directory_iterator(diagnostics::LanguageTable::shippedPath("en").parent_path()))
+    for (const auto& table :
+         std::filesystem::directory_iterator(diagnostics::LanguageTable::shippedPath("en").parent_path()))
         if (table.path().extension() == ".json") names.insert(table.path().stem().string());
     return names;
 }
@@ -77,7 +78,8 @@ void printJson(const nlohmann::json& report, std::ostream& out)
 Session::Session(const Arguments& args, DatabaseFile::Use use) : Session(languageOf(args), args, use) {}
 
 Session::Session(diagnostics::LanguageTable language, const Arguments& args, DatabaseFile::Use use)
-    : file_(openDatabase(args, use)), host_(std::make_unique<diagnostics::ScopedHeadlessHost>(file_.names()))
+    : file_(openDatabase(args, use)),
+      host_(std::make_unique<diagnostics::ScopedHeadlessHost>(file_.names()))
 {
     host_->utilities().setLanguage(std::move(language));
 }
@@ -101,7 +103,8 @@ std::vector<DeviceRef> Session::pipeClasses() const
     std::vector<DeviceRef> classes;
     for (const auto& project : projectChain(currentProject()))
         for (const auto& root : project->roots().items())
-            collect(root, [](const DeviceRef& d) { return addtopipeclass::IsPipeClass(d); }, classes);
+            collect(
+                root, [](const DeviceRef& d) { return addtopipeclass::IsPipeClass(d); }, classes);
     return classes;
 }
 
@@ -127,7 +130,8 @@ DeviceRef Session::byWords(const std::string& words, const NameIndex& candidates
     if (named.size() > 1) {
         std::string list;
         for (const auto& device : named) list += "\n  " + device->SystemFullName();
-        throw UsageError("'" + words + "' names " + std::to_string(named.size()) + " objects; give the full name:" + list);
+        throw UsageError("'" + words + "' names " + std::to_string(named.size()) +
+                         " objects; give the full name:" + list);
     }
     return named.front();
 }

@@ -35,8 +35,8 @@ int takeStep(const Arguments& args, std::ostream& out, const Direction& directio
     if (args.flag("--json"))
         printJson(report, out);
     else if (taken)
-        out << file.path().string() << ": the last step is " << direction.done << "; " << file.undoSteps() << " to undo, "
-            << file.redoSteps() << " to redo.\n";
+        out << file.path().string() << ": the last step is " << direction.done << "; " << file.undoSteps()
+            << " to undo, " << file.redoSteps() << " to redo.\n";
     else
         out << direction.nothing << " in " << file.path().string() << ".\n";
     return taken ? exitcode::Success : exitcode::Refused;

@@ -31,9 +31,8 @@ void printOverview(std::ostream& out)
 const CommandInfo* findCommand(const std::string& name)
 {
     const auto& all = pipespec::cli::commands();
-    const auto found = std::find_if(all.begin(), all.end(), [&](const CommandInfo& c) {
-        return name == c.name || (c.alias && name == c.alias);
-    });
+    const auto found = std::find_if(
+        all.begin(), all.end(), [&](const CommandInfo& c) { return name == c.name || (c.alias && name == c.alias); });
     return found == all.end() ? nullptr : &*found;
 }
 

@@ -36,14 +36,22 @@ std::string describeValue(const Variant& value)
     return std::visit(
         [](const auto& v) -> std::string {
             using T = std::decay_t<decltype(v)>;
-            if constexpr (std::is_same_v<T, std::monostate>) return "Empty";
-            else if constexpr (std::is_same_v<T, bool>) return v ? "True" : "False";
-            else if constexpr (std::is_same_v<T, std::int64_t>) return std::to_string(v);
-            else if constexpr (std::is_same_v<T, double>) return text::Str(v);
-            else if constexpr (std::is_same_v<T, std::string>) return v;
-            else if constexpr (std::is_same_v<T, ObjectRef>) return describeObject(v);
-            else if constexpr (std::is_same_v<T, CollectionRef>) return describeCount(v, "Collection");
-            else return describeCount(v, "Map");
+            if constexpr (std::is_same_v<T, std::monostate>)
+                return "Empty";
+            else if constexpr (std::is_same_v<T, bool>)
+                return v ? "True" : "False";
+            else if constexpr (std::is_same_v<T, std::int64_t>)
+                return std::to_string(v);
+            else if constexpr (std::is_same_v<T, double>)
+                return text::Str(v);
+            else if constexpr (std::is_same_v<T, std::string>)
+                return v;
+            else if constexpr (std::is_same_v<T, ObjectRef>)
+                return describeObject(v);
+            else if constexpr (std::is_same_v<T, CollectionRef>)
+                return describeCount(v, "Collection");
+            else
+                return describeCount(v, "Map");
         },
         value.storage());
 }
@@ -143,7 +151,10 @@ void HeadlessUtilities::ReportError(const ErrorInfo& error, std::string_view cls
     }
 }
 
-std::string HeadlessUtilities::Translate(std::string_view text) const { return diagnostics::Translate(text, language_); }
+std::string HeadlessUtilities::Translate(std::string_view text) const
+{
+    return diagnostics::Translate(text, language_);
+}
 
 int HeadlessUtilities::MessageBox(std::string_view text, int flags, std::string_view title)
 {

@@ -53,7 +53,8 @@ public:
     void TraceEnter(std::string_view cls, std::string_view function) override;
     void TraceLeave(std::string_view cls, std::string_view function) override;
     void TraceLeaveText(std::string_view cls, std::string_view function, std::string_view text) override;
-    void TraceValue(std::string_view cls, std::string_view function, std::string_view label, const Variant& value) override;
+    void TraceValue(std::string_view cls, std::string_view function, std::string_view label,
+                    const Variant& value) override;
 
     const std::vector<TraceLine>& lines() const noexcept { return lines_; }
     void clear() noexcept { lines_.clear(); }

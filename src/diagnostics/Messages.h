@@ -42,7 +42,8 @@ inline constexpr std::string_view NominalDiameter = "~01b74 Nennweite";
 inline constexpr std::string_view ErrorInPipeClassObject = "~02b1e Fehler in Rohrklassenobjekt";
 inline constexpr std::string_view Cancel = "~02d9a Cancel";
 inline constexpr std::string_view Selector = "~03168 Selector";
-inline constexpr std::string_view ElementWithRootExists = "~0316f Mindestens ein Rohrklassenelement mit ausgewähltem Stammobject existiert bereits.";
+inline constexpr std::string_view ElementWithRootExists =
+    "~0316f Mindestens ein Rohrklassenelement mit ausgewähltem Stammobject existiert bereits.";
 inline constexpr std::string_view AddAnyway = "~03170 Wollen Sie das Objekt trozdem hinzufügen?";
 inline constexpr std::string_view New = "~03483 New";
 inline constexpr std::string_view Delete = "~03491 Delete";
@@ -51,7 +52,8 @@ inline constexpr std::string_view Disabled = "~035b3 disabled";
 inline constexpr std::string_view CatrefDisabled = "~035b4 Catref disabled";
 inline constexpr std::string_view ChooseNextSelector = "~035b5 Choose selector for next step";
 inline constexpr std::string_view SpecComponent = "~035b6 Spec component";
-inline constexpr std::string_view SelectorChainAmbiguous = "~035b7 Selectors chain after selector %s1 with question %s2 is ambiguous.";
+inline constexpr std::string_view SelectorChainAmbiguous =
+    "~035b7 Selectors chain after selector %s1 with question %s2 is ambiguous.";
 inline constexpr std::string_view DefineQuestionForNewSelector = "~035b8 Define question for new selector";
 inline constexpr std::string_view Question = "~035b9 Question";
 inline constexpr std::string_view SpecificationDragDrop = "~035ba Specification (Drag&&Drop)";
@@ -81,14 +83,16 @@ inline constexpr std::string_view SolveTemplatePipeSpec = "~05156 Solve template
 inline constexpr std::string_view SolveElement = "~05157 Solve element";
 inline constexpr std::string_view InitiateSelectors = "~056b7 Selektoren initiieren";
 inline constexpr std::string_view NoPredefinedSelectors = "~056b8 Keine vordefinierten Selectoren unter %1% gefunden";
-inline constexpr std::string_view PipeClassAttributeNotFound = "~056b9 Attribut %1% der Rohrklasse nicht gefunden oder LinkObject nicht gesetzt";
+inline constexpr std::string_view PipeClassAttributeNotFound =
+    "~056b9 Attribut %1% der Rohrklasse nicht gefunden oder LinkObject nicht gesetzt";
 inline constexpr std::string_view ErrorInInitiateSelectors = "~056ba Fehler in 'Selektoren initiieren'";
 inline constexpr std::string_view ReloadPipeClass = "~056bb Laden Sie bitte die Rohrklasse in TubrixDesign erneut";
 inline constexpr std::string_view WithoutTrace = "~057a8 ohne Ablaufverfolgung";
 inline constexpr std::string_view WithTrace = "~057a9 mit Ablaufverfolgung";
 inline constexpr std::string_view BranchComponents = "~05a56 Abzweigbauteile";
 inline constexpr std::string_view ShowPpfValues = "~05f51 Show PPF values";
-inline constexpr std::string_view ShowUnresolvedNominalDiameterRange = "~05f52 Nicht aufgelöstes Nennweiten-Bereich anzeigen";
+inline constexpr std::string_view ShowUnresolvedNominalDiameterRange =
+    "~05f52 Nicht aufgelöstes Nennweiten-Bereich anzeigen";
 inline constexpr std::string_view ResetBranchItems = "~05f53 Reset branch items to default";
 inline constexpr std::string_view ChapterCardNotFound = "~0656d Kapitelkarte {0} nicht gefunden";
 

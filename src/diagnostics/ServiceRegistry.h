@@ -49,7 +49,8 @@ class ScopedService {
 public:
     ScopedService(std::shared_ptr<Interface> (*install)(std::shared_ptr<Interface>),
                   std::type_identity_t<std::shared_ptr<Interface>> replacement)
-        : install_(install), previous_(install(std::move(replacement)))
+        : install_(install),
+          previous_(install(std::move(replacement)))
     {
     }
     ~ScopedService() { install_(std::move(previous_)); }

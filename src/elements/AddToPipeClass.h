@@ -51,8 +51,8 @@ bool IsPipeClass(const ObjectRef& object);
 
 // May CDevObject become an element of mPipeClass? Every refusal stands in the
 // trace with its own words; the user sees none of them here.
-bool CheckValid(const DeviceRef& CDevObject, const DeviceRef& mPipeClass, bool UseElementCheck,
-                Variant& checkResult, IElementFilter* IElementCheck);
+bool CheckValid(const DeviceRef& CDevObject, const DeviceRef& mPipeClass, bool UseElementCheck, Variant& checkResult,
+                IElementFilter* IElementCheck);
 
 // The child of a catalogue object whose name pattern ("123XX") matches a
 // five-digit function code; empty for pipe-class codes.

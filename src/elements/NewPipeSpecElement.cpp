@@ -106,8 +106,7 @@ void DropCachedEntry(IGlobals& globals, const DeviceRef& pipeClass)
 }
 
 DeviceRef NewPipeSpecElement(DeviceRef CDevObject, const DeviceRef& mPipeClass, bool RecursiveCall, bool ResetCreated,
-                             std::string& groupId, bool InteractiveImportObject,
-                             const DeviceRef& presetElement)
+                             std::string& groupId, bool InteractiveImportObject, const DeviceRef& presetElement)
 {
     DeviceRef result;
     Trace trace(cls::AddToPipeClass, "XAddToPipeClass");
@@ -217,7 +216,8 @@ DeviceRef NewPipeSpecElement(DeviceRef CDevObject, const DeviceRef& mPipeClass, 
         if (mPipeClass->Spec(names.PDMS())) {
             if (!CatalogOwner) InitCatalogOwner(CatalogOwner, element, mPipeClass);
             UpdatePDMSSpecComp(element, mPipeClass, RecursiveCall, groupId, InteractiveImportObject, CatalogOwner);
-            if (element->IsDeleted() || element->IsMarkedDeleted()) return trace.leaveText("NewPipeSpecElement is deleted");
+            if (element->IsDeleted() || element->IsMarkedDeleted())
+                return trace.leaveText("NewPipeSpecElement is deleted");
             // The caller of a recursive call works on from its own arguments.
             if (RecursiveCall) return trace.leaveText("recursive call");
         }

@@ -140,9 +140,7 @@ void UpdatePDMSSpecComp(const DeviceRef& CDevPC, const DeviceRef& mPipeClass, bo
     if (structure) return trace.leaveText("mPipeClass.GD.VFCD=10003 And CDevPC.CreateOption <> 0");
 
     if (makeFieldElement) {
-        procedure.step([&] {
-            NewPipeSpecElement(CDevPC, mPipeClass, true, false, groupId, false, nullptr);
-        });
+        procedure.step([&] { NewPipeSpecElement(CDevPC, mPipeClass, true, false, groupId, false, nullptr); });
     }
 
     // The companion becomes an element too, and the attribute then names that
@@ -151,7 +149,8 @@ void UpdatePDMSSpecComp(const DeviceRef& CDevPC, const DeviceRef& mPipeClass, bo
         const auto plus = CDevPC->Spec(kCompanionAttr);
         if (!plus || !plus->LinkObject()) return;
         if (!RecursiveCall) groupId = CDevPC->UniqueId();
-        const auto companion = NewPipeSpecElement(plus->LinkObject(), mPipeClass, false, false, groupId, false, nullptr);
+        const auto companion =
+            NewPipeSpecElement(plus->LinkObject(), mPipeClass, false, false, groupId, false, nullptr);
         if (makePersistent(*plus)) plus->SetLinkObject(companion);
     });
     trace.leave();

@@ -28,7 +28,10 @@ ModuleState& moduleState(IWorkset& workset) { return workset.State().get<ModuleS
 
 ModuleState& moduleState(const IBaseObject& object) { return moduleState(must(object.Workset())); }
 
-std::shared_ptr<const ObjectMap> CreatedObjects(IWorkset& workset) { return moduleState(workset).m_CreatedPipeSpecElem; }
+std::shared_ptr<const ObjectMap> CreatedObjects(IWorkset& workset)
+{
+    return moduleState(workset).m_CreatedPipeSpecElem;
+}
 
 bool IsPipeClass(const ObjectRef& object, std::int32_t& VFCD)
 {
@@ -48,8 +51,8 @@ bool IsPipeClass(const ObjectRef& object)
     return IsPipeClass(object, ignored);
 }
 
-bool CheckValid(const DeviceRef& CDevObject, const DeviceRef& mPipeClass, bool UseElementCheck,
-                Variant& checkResult, IElementFilter* IElementCheck)
+bool CheckValid(const DeviceRef& CDevObject, const DeviceRef& mPipeClass, bool UseElementCheck, Variant& checkResult,
+                IElementFilter* IElementCheck)
 {
     bool result = false;
     Trace trace(cls::AddToPipeClass, "CheckValid");
@@ -68,8 +71,8 @@ bool CheckValid(const DeviceRef& CDevObject, const DeviceRef& mPipeClass, bool U
             if (!CDevObject->CDevice() && CDevObject->Devices()->Count() == 0)
                 return refuse(fullName, " is a pipe class without CDevice and without elements (?)");
         } else {
-            const bool structureClass =
-                text::CDbl(must(must(mPipeClass).Spec(names.GD().VFCD())).ValueText()) == functioncode::TemplatePipeClass;
+            const bool structureClass = text::CDbl(must(must(mPipeClass).Spec(names.GD().VFCD())).ValueText()) ==
+                                        functioncode::TemplatePipeClass;
             if (CDevObject->CreateOption() != 0 && !structureClass) return refuse(fullName, " is structure element");
             if (!CDevObject->CDevice() && IsPipeClass(CDevObject->Owner()))
                 return refuse(fullName, " is already an element of a pipe class but without CDevice (?)");

@@ -18,21 +18,20 @@ inline constexpr long ObjectNotSet = 91;
 inline constexpr long CannotCreateObject = 429;  // no class of that name
 inline constexpr long DuplicateKey = 457;
 inline constexpr long NotSupported = 438;
-inline constexpr long ReadOnly = 1001;      // object or project may not be written
-inline constexpr long CycleRefused = 1002;  // link would make an object its own base
-inline constexpr long NameInUse = 1003;     // sibling with that name exists
-inline constexpr long Deleted = 1004;       // operation on a deleted object
-inline constexpr long Configuration = 1005; // name table or data file incomplete
-inline constexpr long FileAccess = 1006;    // database file cannot be read or written (disk, lock)
-inline constexpr long FileChanged = 1007;   // database file was saved by another session since it was read
+inline constexpr long ReadOnly = 1001;       // object or project may not be written
+inline constexpr long CycleRefused = 1002;   // link would make an object its own base
+inline constexpr long NameInUse = 1003;      // sibling with that name exists
+inline constexpr long Deleted = 1004;        // operation on a deleted object
+inline constexpr long Configuration = 1005;  // name table or data file incomplete
+inline constexpr long FileAccess = 1006;     // database file cannot be read or written (disk, lock)
+inline constexpr long FileChanged = 1007;    // database file was saved by another session since it was read
 inline constexpr long Internal = 51;
 }  // namespace err
 
 // The one exception type of the platform: a number and a description.
 class PlatformError : public std::runtime_error {
 public:
-    PlatformError(long number, const std::string& description)
-        : std::runtime_error(description), number_(number) {}
+    PlatformError(long number, const std::string& description) : std::runtime_error(description), number_(number) {}
     long number() const noexcept { return number_; }
 
 private:

@@ -21,8 +21,8 @@ json parseLimited(Input&& input, std::string_view source)
     const auto limited = [source](int depth, json::parse_event_t event, const json&) {
         const bool opens = event == json::parse_event_t::object_start || event == json::parse_event_t::array_start;
         if (opens && depth >= kMaxJsonNesting)
-            throw PlatformError(err::Configuration,
-                                std::string(source) + " nests deeper than " + std::to_string(kMaxJsonNesting) + " levels");
+            throw PlatformError(err::Configuration, std::string(source) + " nests deeper than " +
+                                                        std::to_string(kMaxJsonNesting) + " levels");
         return true;
     };
     try {

@@ -24,7 +24,8 @@ public:
     void Add(std::string_view key, T value)
     {
         if (Exists(key))
-            throw PlatformError(err::DuplicateKey, "Key is already associated with an element of this collection: " + std::string(key));
+            throw PlatformError(err::DuplicateKey,
+                                "Key is already associated with an element of this collection: " + std::string(key));
         entries_.emplace_back(std::string(key), std::move(value));
         auto it = std::prev(entries_.end());
         index_.emplace(std::string_view(it->first), it);
@@ -33,8 +34,7 @@ public:
     void Remove(std::string_view key)
     {
         const auto found = index_.find(key);
-        if (found == index_.end())
-            throw PlatformError(err::SubscriptOutOfRange, "Key not found: " + std::string(key));
+        if (found == index_.end()) throw PlatformError(err::SubscriptOutOfRange, "Key not found: " + std::string(key));
         const auto it = found->second;
         index_.erase(found);
         entries_.erase(it);
@@ -43,8 +43,7 @@ public:
     const T& Item(std::string_view key) const
     {
         const auto found = index_.find(key);
-        if (found == index_.end())
-            throw PlatformError(err::SubscriptOutOfRange, "Key not found: " + std::string(key));
+        if (found == index_.end()) throw PlatformError(err::SubscriptOutOfRange, "Key not found: " + std::string(key));
         return found->second->second;
     }
 
@@ -70,7 +69,10 @@ public:
     auto end() const { return entries_.end(); }
 
     KeyedMap() = default;
-    KeyedMap(const KeyedMap& other) { for (const auto& e : other.entries_) Add(e.first, e.second); }
+    KeyedMap(const KeyedMap& other)
+    {
+        for (const auto& e : other.entries_) Add(e.first, e.second);
+    }
     KeyedMap& operator=(const KeyedMap& other)
     {
         if (this != &other) {

@@ -314,7 +314,10 @@ private:
 // Reference casts used throughout the logic: empty in, empty out.
 inline DeviceRef asDevice(const ObjectRef& o) { return std::dynamic_pointer_cast<IDevice>(o); }
 inline SpecRef asSpec(const ObjectRef& o) { return std::dynamic_pointer_cast<ISpecification>(o); }
-inline std::shared_ptr<IStandardTable> asTable(const ObjectRef& o) { return std::dynamic_pointer_cast<IStandardTable>(o); }
+inline std::shared_ptr<IStandardTable> asTable(const ObjectRef& o)
+{
+    return std::dynamic_pointer_cast<IStandardTable>(o);
+}
 
 // The make-persistent pattern: an object that exists only by inheritance is
 // stored before a write, where it may be. True when the object is now stored.

@@ -43,34 +43,34 @@ using ExtendedRef = std::shared_ptr<IExtended>;
 
 // Which property of the cell's source object a column shows.
 namespace valuekind {
-inline constexpr int None = 0;          // nothing: the column is a placeholder or extended
-inline constexpr int Description = 1;   // the object's Description
-inline constexpr int Name = 2;          // the object's Name
-inline constexpr int Component = 20;    // a component as users know it: name and description
-inline constexpr int DisplayValue = 30; // an attribute's value as shown (value-list description)
-inline constexpr int RangeBound = 31;   // one bound of a range answer; parameter "0" lower, "1" upper
-inline constexpr int Value = 32;        // an attribute's stored value
+inline constexpr int None = 0;           // nothing: the column is a placeholder or extended
+inline constexpr int Description = 1;    // the object's Description
+inline constexpr int Name = 2;           // the object's Name
+inline constexpr int Component = 20;     // a component as users know it: name and description
+inline constexpr int DisplayValue = 30;  // an attribute's value as shown (value-list description)
+inline constexpr int RangeBound = 31;    // one bound of a range answer; parameter "0" lower, "1" upper
+inline constexpr int Value = 32;         // an attribute's stored value
 }  // namespace valuekind
 
 // Where a cell's source object comes from, starting at the row object (or at
 // the base column's source object).
 namespace sourcekind {
-inline constexpr int None = -1;       // the starting object itself
-inline constexpr int Owner = 0;       // its owner
-inline constexpr int BaseObject = 13; // its base object (CDevice)
-inline constexpr int Attribute = 19;  // its attribute of the given name
+inline constexpr int None = -1;        // the starting object itself
+inline constexpr int Owner = 0;        // its owner
+inline constexpr int BaseObject = 13;  // its base object (CDevice)
+inline constexpr int Attribute = 19;   // its attribute of the given name
 }  // namespace sourcekind
 
 // Columns whose cells the registered IExtended serves, and how.
 namespace extendedkind {
 inline constexpr int None = 0;
-inline constexpr int Value = 2;     // the cell shows IExtended::CellValue
-inline constexpr int Object = 3;    // the cell shows IExtended::CellObject, else CellValue
-inline constexpr int CheckBox = 18; // a two-state cell; CellValue is read as a flag
+inline constexpr int Value = 2;      // the cell shows IExtended::CellValue
+inline constexpr int Object = 3;     // the cell shows IExtended::CellObject, else CellValue
+inline constexpr int CheckBox = 18;  // a two-state cell; CellValue is read as a flag
 }  // namespace extendedkind
 
 namespace filteroperator {
-inline constexpr int None = 0; // the filter takes no part
+inline constexpr int None = 0;  // the filter takes no part
 inline constexpr int Equal = 1;
 inline constexpr int NotEqual = 2;
 inline constexpr int Greater = 3;

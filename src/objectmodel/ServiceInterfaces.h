@@ -31,11 +31,13 @@ public:
     virtual std::shared_ptr<const INameTable> Names() const = 0;
     virtual bool TraceEnabled(std::string_view cls, std::string_view function) const = 0;
     virtual void TraceText(std::string_view cls, std::string_view function, std::string_view text) = 0;
-    virtual void TraceObject(std::string_view cls, std::string_view function, std::string_view label, const ObjectRef& object) = 0;
+    virtual void TraceObject(std::string_view cls, std::string_view function, std::string_view label,
+                             const ObjectRef& object) = 0;
     virtual void TraceEnter(std::string_view cls, std::string_view function) = 0;
     virtual void TraceLeave(std::string_view cls, std::string_view function) = 0;
     virtual void TraceLeaveText(std::string_view cls, std::string_view function, std::string_view text) = 0;
-    virtual void TraceValue(std::string_view cls, std::string_view function, std::string_view label, const Variant& value) = 0;
+    virtual void TraceValue(std::string_view cls, std::string_view function, std::string_view label,
+                            const Variant& value) = 0;
 };
 
 class IWindowService;

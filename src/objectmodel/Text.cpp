@@ -232,8 +232,8 @@ std::string Str(double value)
     constexpr int kSignificantDigits = 15;
     std::array<char, 32> buffer{};
     // Room for the longest form, "-1.23456789012346E-308".
-    const auto written =
-        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::general, kSignificantDigits);
+    const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::general,
+                                       kSignificantDigits);
     std::string out(buffer.data(), written.ptr);
     for (char& c : out)
         if (c == 'e') c = 'E';

@@ -21,7 +21,8 @@ using VariantMapRef = std::shared_ptr<VariantMap>;
 // a number, a text, an object, a collection or a keyed map of such values.
 class Variant {
 public:
-    using Storage = std::variant<std::monostate, bool, std::int64_t, double, std::string, ObjectRef, CollectionRef, VariantMapRef>;
+    using Storage =
+        std::variant<std::monostate, bool, std::int64_t, double, std::string, ObjectRef, CollectionRef, VariantMapRef>;
 
     Variant() = default;
     Variant(bool v) : value_(v) {}
@@ -31,8 +32,8 @@ public:
     Variant(std::string v) : value_(std::move(v)) {}
     Variant(const char* v) : value_(std::string(v)) {}
     template <class T>
-        requires std::is_convertible_v<std::shared_ptr<T>, ObjectRef>
-    Variant(std::shared_ptr<T> v) : value_(ObjectRef(std::move(v)))
+    requires std::is_convertible_v<std::shared_ptr<T>, ObjectRef> Variant(std::shared_ptr<T> v)
+        : value_(ObjectRef(std::move(v)))
     {
         if (!std::get<ObjectRef>(value_)) value_ = std::monostate{};
     }
@@ -47,7 +48,10 @@ public:
     CollectionRef collection() const { return get<CollectionRef>(); }
     VariantMapRef map() const { return get<VariantMapRef>(); }
     template <class T>
-    std::shared_ptr<T> objectAs() const { return std::dynamic_pointer_cast<T>(object()); }
+    std::shared_ptr<T> objectAs() const
+    {
+        return std::dynamic_pointer_cast<T>(object());
+    }
 
     bool operator==(const Variant& other) const { return value_ == other.value_; }
 

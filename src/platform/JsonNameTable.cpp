@@ -35,7 +35,10 @@ std::shared_ptr<JsonNameTable> JsonNameTable::load(const std::filesystem::path& 
     return parse(parseJson(in, "Name table " + file.string()), file.string());
 }
 
-std::filesystem::path JsonNameTable::shippedPath() { return std::filesystem::path(PIPESPEC_DATA_DIR) / "nametable.json"; }
+std::filesystem::path JsonNameTable::shippedPath()
+{
+    return std::filesystem::path(PIPESPEC_DATA_DIR) / "nametable.json";
+}
 
 void JsonNameTable::merge(const nlohmann::json& node, std::string_view origin)
 {

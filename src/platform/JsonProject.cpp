@@ -29,10 +29,13 @@ public:
 
     LoadedDatabase read(const json& document)
     {
-        expectObject(document, "the file", {"format", "version", "systemProject", "currentProject", "projects", "globals",
-                                             "appGlobals", "names"});
-        if (!document.contains("format") || document["format"] != kFormat) fail("the file", "is not a pipespec project (\"format\" must be \"pipespec-sample\")");
-        if (!document.contains("version") || !document["version"].is_number_integer() || document["version"].get<int>() != kVersion)
+        expectObject(
+            document, "the file",
+            {"format", "version", "systemProject", "currentProject", "projects", "globals", "appGlobals", "names"});
+        if (!document.contains("format") || document["format"] != kFormat)
+            fail("the file", "is not a pipespec project (\"format\" must be \"pipespec-sample\")");
+        if (!document.contains("version") || !document["version"].is_number_integer() ||
+            document["version"].get<int>() != kVersion)
             fail("the file", "has a version this program does not read (expected " + std::to_string(kVersion) + ")");
 
         database_ = Database::create();
@@ -40,7 +43,8 @@ public:
         if (document.contains("systemProject"))
             database_->setSystemProject(projectNamed(text(document, "systemProject", "the file"), "systemProject"));
         if (document.contains("currentProject"))
-            database_->workset()->SetCurrentProject(projectNamed(text(document, "currentProject", "the file"), "currentProject"));
+            database_->workset()->SetCurrentProject(
+                projectNamed(text(document, "currentProject", "the file"), "currentProject"));
         if (document.contains("globals")) readGlobals(document["globals"]);
         if (document.contains("appGlobals")) readAppGlobals(document["appGlobals"]);
 
@@ -166,7 +170,9 @@ private:
                 fail(where, "has \"" + key + "\", which is no option number");
             }
             // Named copies: clang 14 cannot capture a structured binding.
-            later(where + " option " + key, [this, value = value, number, store](const std::string& place) { store(number, optionValue(value, place)); });
+            later(where + " option " + key, [this, value = value, number, store](const std::string& place) {
+                store(number, optionValue(value, place));
+            });
         }
     }
 
@@ -191,7 +197,8 @@ private:
             project->addLanguage(language.get<std::string>());
         }
         if (node.contains("options"))
-            readOptions(node["options"], where + " \"options\"", [project](int n, Variant v) { project->setOption(n, std::move(v)); });
+            readOptions(node["options"], where + " \"options\"",
+                        [project](int n, Variant v) { project->setOption(n, std::move(v)); });
         for (const auto& root : array(node, "roots", where)) {
             const auto rootWhere = where + " root " + placeName(root);
             expectObject(root, rootWhere, {"name", "description", "devices", "specs"});
@@ -211,7 +218,9 @@ private:
     void readDevice(Device& owner, const json& node, const std::string& ownerWhere)
     {
         const auto where = ownerWhere + "|" + placeName(node);
-        expectObject(node, where, {"name", "description", "folder", "createOption", "readOnly", "cdevice", "specs", "devices", "xml"});
+        expectObject(
+            node, where,
+            {"name", "description", "folder", "createOption", "readOnly", "cdevice", "specs", "devices", "xml"});
         const auto name = nameOf(node, where);
         if (owner.ownChildren().contains(name)) fail(where, "is in the file twice");
         auto device = owner.createChild(name);
@@ -231,9 +240,10 @@ private:
     void readSpec(SpecHolder& owner, const json& node, const std::string& ownerWhere)
     {
         const auto where = ownerWhere + (dynamic_cast<Device*>(&owner) ? "#" : ".") + placeName(node);
-        expectObject(node, where, {"name", "description", "valueType", "value", "languageValues", "xvalues", "table", "link",
-                                   "inherits", "inheritMode", "controlType", "controlProperties", "answerMode", "linkedCount",
-                                   "locked", "readOnly", "xml", "specs"});
+        expectObject(node, where,
+                     {"name", "description", "valueType", "value", "languageValues", "xvalues", "table", "link",
+                      "inherits", "inheritMode", "controlType", "controlProperties", "answerMode", "linkedCount",
+                      "locked", "readOnly", "xml", "specs"});
         const auto name = nameOf(node, where);
         if (owner.ownSpecs().contains(name)) fail(where, "is in the file twice");
         auto spec = owner.createSpec(name);
@@ -267,7 +277,8 @@ private:
         }
         if (node.contains("link")) {
             const auto link = text(node, "link", where);
-            later(where + " \"link\"", [this, spec, link](const std::string& place) { spec->SetLinkObject(resolve(link, place)); });
+            later(where + " \"link\"",
+                  [this, spec, link](const std::string& place) { spec->SetLinkObject(resolve(link, place)); });
         }
         if (node.contains("inherits")) {
             const auto chapter = text(node, "inherits", where);
@@ -303,7 +314,8 @@ private:
         expectObject(node, "\"globals\"", {"options", "pipeClassRootCDevice"});
         const auto globals = database_->workset()->globals();
         if (node.contains("options"))
-            readOptions(node["options"], "\"globals\" \"options\"", [globals](int n, Variant v) { globals->setoption(n, v); });
+            readOptions(node["options"], "\"globals\" \"options\"",
+                        [globals](int n, Variant v) { globals->setoption(n, v); });
         if (node.contains("pipeClassRootCDevice")) {
             const auto root = text(node, "pipeClassRootCDevice", "\"globals\"");
             later("\"globals\" \"pipeClassRootCDevice\"", [this, globals, root](const std::string& place) {
@@ -323,7 +335,9 @@ private:
                 app->setTubrixDesignerRun(value.get<bool>());
             } else {
                 // Named copies: clang 14 cannot capture a structured binding.
-                later(place, [this, app, key = key, value = value](const std::string& where) { app->setValue(key, optionValue(value, where)); });
+                later(place, [this, app, key = key, value = value](const std::string& where) {
+                    app->setValue(key, optionValue(value, where));
+                });
             }
         }
     }
@@ -354,6 +368,9 @@ LoadedDatabase loadJsonProject(const std::filesystem::path& file, const JsonName
     return readJsonProject(parseJson(in, "Project file " + file.string()), file.string(), defaultNames);
 }
 
-std::filesystem::path sampleProjectPath() { return std::filesystem::path(PIPESPEC_DATA_DIR) / "sample" / "project.json"; }
+std::filesystem::path sampleProjectPath()
+{
+    return std::filesystem::path(PIPESPEC_DATA_DIR) / "sample" / "project.json";
+}
 
 }  // namespace pipespec::platform

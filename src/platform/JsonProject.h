@@ -10,8 +10,8 @@
 // A file that is not of this format, or that names what is not there, is
 // error Configuration naming the file and the place; nothing of it is kept.
 
-#include "platform/store/Database.h"
 #include "platform/JsonNameTable.h"
+#include "platform/store/Database.h"
 
 #include <nlohmann/json_fwd.hpp>
 
@@ -30,7 +30,8 @@ struct LoadedDatabase {
     std::string nameOverrides = "{}";
 };
 
-LoadedDatabase readJsonProject(const nlohmann::json& document, std::string_view origin, const JsonNameTable& defaultNames);
+LoadedDatabase readJsonProject(const nlohmann::json& document, std::string_view origin,
+                               const JsonNameTable& defaultNames);
 LoadedDatabase loadJsonProject(const std::filesystem::path& file, const JsonNameTable& defaultNames);
 
 // data/sample/project.json of the installation.

@@ -48,7 +48,8 @@ CollectionRef PipeSpecHelper::FindComponents(int mode, std::string_view function
     if (mode != 0) throw PlatformError(err::InvalidCall, "FindComponents knows mode 0 only");
     const auto diameter = nominalDiameter.empty() ? std::nullopt : text::NumberIn(nominalDiameter);
     if (!nominalDiameter.empty() && !diameter)
-        throw PlatformError(err::InvalidCall, "the nominal diameter '" + std::string(nominalDiameter) + "' is no number");
+        throw PlatformError(err::InvalidCall,
+                            "the nominal diameter '" + std::string(nominalDiameter) + "' is no number");
     const auto& root = must(searchRoot_);
     const auto found = must(root.Workset()).NewCollection();
     const auto& codeAttribute = names_->GD().VFCD();

@@ -29,10 +29,7 @@ QIcon imageIcon(std::string_view image)
     return {};
 }
 
-QString shownText(const std::string& text)
-{
-    return QString::fromStdString(diagnostics::utilities().Translate(text));
-}
+QString shownText(const std::string& text) { return QString::fromStdString(diagnostics::utilities().Translate(text)); }
 }  // namespace
 
 void fillMenu(QMenu& menu, const std::vector<platform::MenuEntry>& entries, const SubMenuOpens& subMenuOpens)

@@ -172,8 +172,10 @@ void QtGrid::chooseAgain(const std::vector<ObjectRef>& selected, const ObjectRef
         if (!wanted.count(object.get())) continue;
         const auto cell = model_->index(row, 0);
         // Neighbouring rows make one range, also when all are selected.
-        if (!again.isEmpty() && again.last().bottom() == row - 1) again.last() = QItemSelectionRange(again.last().topLeft(), cell);
-        else again.select(cell, cell);
+        if (!again.isEmpty() && again.last().bottom() == row - 1)
+            again.last() = QItemSelectionRange(again.last().topLeft(), cell);
+        else
+            again.select(cell, cell);
     }
     selectionModel()->select(again, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     noteSelection();
@@ -201,10 +203,12 @@ void QtGrid::layOutColumns(const Widths& kept)
         const int units = settings_->columnWidth(*column);
         setColumnHidden(section, !column->Visible() || units == 0);
         if (isColumnHidden(section)) continue;
-        const auto same = std::find_if(kept.begin(), kept.end(), [&](const auto& entry) { return entry.first == column; });
+        const auto same =
+            std::find_if(kept.begin(), kept.end(), [&](const auto& entry) { return entry.first == column; });
         // A column is at least as wide as its title, so that no head is cut.
-        setColumnWidth(section, same != kept.end() ? same->second
-                                                   : std::max(units * unit, horizontalHeader()->sectionSizeHint(section)));
+        setColumnWidth(section, same != kept.end()
+                                    ? same->second
+                                    : std::max(units * unit, horizontalHeader()->sectionSizeHint(section)));
     }
 }
 
@@ -213,7 +217,8 @@ void QtGrid::placeColumnsAsLoaded(IQuery& query) const
     const auto columns = query.Top()->Columns();
     std::vector<std::pair<int, QueryColumnRef>> placed;
     for (int i = 1; i <= columns->Count(); ++i)
-        if (const auto position = settings_->columnPosition(*columns->Item(i))) placed.emplace_back(*position, columns->Item(i));
+        if (const auto position = settings_->columnPosition(*columns->Item(i)))
+            placed.emplace_back(*position, columns->Item(i));
     std::stable_sort(placed.begin(), placed.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     for (const auto& [position, column] : placed) {
         columns->Remove(column->Key());
@@ -234,9 +239,10 @@ void QtGrid::saveSettings(ObjectSetNode& node) const
     const int unit = pixelsPerUnit();
     for (int section = 0; section < model_->columnCount(); ++section) {
         const auto column = model_->column(section);
-        const int units = isColumnHidden(section)
-                              ? settings_->columnWidth(*column)
-                              : std::max(1, static_cast<int>(std::lround(static_cast<double>(columnWidth(section)) / unit)));
+        const int units =
+            isColumnHidden(section)
+                ? settings_->columnWidth(*column)
+                : std::max(1, static_cast<int>(std::lround(static_cast<double>(columnWidth(section)) / unit)));
         platform::GridSettings::store(node, *column, units, section + 1);
     }
 }
@@ -351,7 +357,8 @@ bool QtGrid::mayOpenEditor(const QModelIndex& index)
     bool may = false;
     Procedure(kClass, "BeforeCellEdit").run([&] {
         const auto column = model_->column(index.column());
-        may = column && !model_->isCheckBox(index) && platform::beginCellEdit(model_->rowObject(index.row()), column, events_);
+        may = column && !model_->isCheckBox(index) &&
+              platform::beginCellEdit(model_->rowObject(index.row()), column, events_);
     });
     return may;
 }

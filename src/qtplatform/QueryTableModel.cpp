@@ -16,7 +16,8 @@ QString toQString(const std::string& text) { return QString::fromStdString(text)
 }  // namespace
 
 QueryTableModel::QueryTableModel(QObject* parent)
-    : QAbstractTableModel(parent), objectIcon_(QApplication::style()->standardIcon(QStyle::SP_FileIcon))
+    : QAbstractTableModel(parent),
+      objectIcon_(QApplication::style()->standardIcon(QStyle::SP_FileIcon))
 {
 }
 
@@ -142,7 +143,8 @@ void QueryTableModel::multiData(const QModelIndex& index, QModelRoleDataSpan rol
 QVariant QueryTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     const auto& shown = orientation == Qt::Horizontal ? column(section) : nullptr;
-    if (!shown || (role != Qt::DisplayRole && role != Qt::ToolTipRole)) return QAbstractTableModel::headerData(section, orientation, role);
+    if (!shown || (role != Qt::DisplayRole && role != Qt::ToolTipRole))
+        return QAbstractTableModel::headerData(section, orientation, role);
     return toQString(diagnostics::utilities().Translate(shown->Title()));
 }
 

@@ -139,7 +139,8 @@ void CalcControlProperties(const SpecRef& newSpec, const SpecRef& box, const Spe
             if (box && text::StrCompBinary(nested, box->NestedName()) <= 0) continue;
             if (nested == pipe.LayoutAttr1()) continue;
             const auto prefix = text::Left(nested, kLayoutPrefixLength);
-            if (prefix == pipe.LayoutChapterPrefix1() || prefix == kDesignChapterPrefix || prefix == skippedPrefix2) continue;
+            if (prefix == pipe.LayoutChapterPrefix1() || prefix == kDesignChapterPrefix || prefix == skippedPrefix2)
+                continue;
             layout.Load(s);
             const double sBottom = layout.GetValue(LayoutHelper::Bottom);
             const double sLeft = layout.GetValue(LayoutHelper::Left);
@@ -217,7 +218,8 @@ CollectionRef PipeClassComponents(const DeviceRef& pipeClass, bool recursive)
     return result;
 }
 
-CollectionRef GetComponentsRecursive(const DeviceRef& device, bool recursive, CollectionRef list, ObjectMap& map, bool top)
+CollectionRef GetComponentsRecursive(const DeviceRef& device, bool recursive, CollectionRef list, ObjectMap& map,
+                                     bool top)
 {
     Procedure(cls::AddToPipeClass, "Function GetComponentsRecursive").run([&] {
         if (!device) return;

@@ -26,6 +26,7 @@ DeviceRef GetMenuPath(const ProjectRef& project);
 
 // The elements of a pipe class; recursive follows pipe classes used as elements.
 CollectionRef PipeClassComponents(const DeviceRef& pipeClass, bool recursive);
-CollectionRef GetComponentsRecursive(const DeviceRef& device, bool recursive, CollectionRef list, ObjectMap& map, bool top);
+CollectionRef GetComponentsRecursive(const DeviceRef& device, bool recursive, CollectionRef list, ObjectMap& map,
+                                     bool top);
 
 }  // namespace pipespec::addtopipeclass

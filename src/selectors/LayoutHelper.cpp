@@ -83,7 +83,8 @@ void LayoutHelper::SetValue(int index, std::string_view value)
 {
     Layout layout(must(spec_).ControlProperties());
     if (auto* entry = layout.find(index))
-        *entry = index >= Left && index <= Bottom ? std::string(value) : std::to_string(index) + "=" + std::string(value);
+        *entry =
+            index >= Left && index <= Bottom ? std::string(value) : std::to_string(index) + "=" + std::string(value);
     else
         layout.lines.push_back(std::to_string(index) + "=" + std::string(value));
     spec_->SetControlProperties(layout.text());

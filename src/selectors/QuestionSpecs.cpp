@@ -70,7 +70,8 @@ bool inCurrentProject(const IDevice& device) { return device.Project() == must(d
 
 // Copies the chapter's model attribute as a new question attribute. Without
 // a writable chapter or a model nothing is made.
-void makeQuestionSpec(const std::vector<std::string>& parts, const DeviceRef& CDevPC, SpecRef& newSpec, SpecRef& boxSpec)
+void makeQuestionSpec(const std::vector<std::string>& parts, const DeviceRef& CDevPC, SpecRef& newSpec,
+                      SpecRef& boxSpec)
 {
     const auto& names = diagnostics::names();
     const auto chapterSpec = CDevPC->Spec(partAt(parts, 0));
@@ -197,7 +198,8 @@ void QuestionWalk::findBoreSpecOfSecondConnector()
         const auto members = must(group).Specifications();
         for (int i = 1; i <= members->Count() && !found; ++i) {
             const auto member = asSpec(members->Item(i));
-            if (member->SystemFullName() != first.SystemFullName() && same(member->StandardTable(), first.StandardTable())) {
+            if (member->SystemFullName() != first.SystemFullName() &&
+                same(member->StandardTable(), first.StandardTable())) {
                 spec_ = member;
                 found = true;
             }

@@ -138,14 +138,9 @@ bool repairFirstTornPair(IQueryColumns& columns, const ColumnOrder& old)
         if (std::abs(i - j) == 1) continue;
         int placedAt = 0;
         switch (repairOf(old, own, partner, i, j)) {
-        case PairRepair::None:
-            continue;
-        case PairRepair::ColumnFollowsPartner:
-            columns.Insert(columns.Remove(i), j - 1, placedAt);
-            return true;
-        case PairRepair::PartnerFollowsColumn:
-            columns.Insert(columns.Remove(j), i + 1, placedAt);
-            return true;
+        case PairRepair::None: continue;
+        case PairRepair::ColumnFollowsPartner: columns.Insert(columns.Remove(i), j - 1, placedAt); return true;
+        case PairRepair::PartnerFollowsColumn: columns.Insert(columns.Remove(j), i + 1, placedAt); return true;
         }
     }
     return false;
@@ -160,7 +155,8 @@ DeviceRef GetSelectorBaseCDev(const DeviceRef& selector)
         if (const auto link = selector->Spec(kRootBaseLink)) result = link->LinkObject();
         if (!result)
             if (const auto link = must(selector->Owner()).Spec(kPipeClassBaseLink)) result = link->LinkObject();
-        if (!result) result = must(must(selector->Workset()).Globals()).getOption(option::SelectorBase).objectAs<IDevice>();
+        if (!result)
+            result = must(must(selector->Workset()).Globals()).getOption(option::SelectorBase).objectAs<IDevice>();
     });
     return result;
 }
@@ -307,7 +303,8 @@ void WriteSelectors(std::int16_t tab, IQGrid& grid, DeviceRef& leaf, const Devic
             SpecMap boreSpecs;
             DeviceRef topSelector;
             SpecRef shopSpec;
-            SetQuestion(pipeClass, asDevice(rows->Item(i)), questionSpecs, boreSpecs, topSelector, shopSpec, leaf, false);
+            SetQuestion(pipeClass, asDevice(rows->Item(i)), questionSpecs, boreSpecs, topSelector, shopSpec, leaf,
+                        false);
         }
     });
 }

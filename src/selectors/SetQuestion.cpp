@@ -42,8 +42,14 @@ void SetQuestion(const DeviceRef& CDevPipeClass, const DeviceRef& CDevPC, Collec
 QuestionWalk::QuestionWalk(const DeviceRef& pipeClass, const DeviceRef& component, CollectionRef& questionSpecs,
                            SpecMap& boreSpecs, DeviceRef& topSelector, SpecRef& shopSpec, DeviceRef& leafSelector,
                            bool deleteOnCancel)
-    : pipeClass_(pipeClass), component_(component), questionSpecs_(questionSpecs), boreSpecs_(boreSpecs),
-      topSelector_(topSelector), shopSpec_(shopSpec), leafSelector_(leafSelector), deleteOnCancel_(deleteOnCancel)
+    : pipeClass_(pipeClass),
+      component_(component),
+      questionSpecs_(questionSpecs),
+      boreSpecs_(boreSpecs),
+      topSelector_(topSelector),
+      shopSpec_(shopSpec),
+      leafSelector_(leafSelector),
+      deleteOnCancel_(deleteOnCancel)
 {
 }
 
@@ -95,7 +101,8 @@ QuestionWalk::Walk QuestionWalk::start()
         // A code that is no number is reported, and the answer stays the code.
         if (!answer_.empty())
             p_.step([&] {
-                answer_ = must(helper_).GenericTypeOfFunctionCode(moduleState(*pipeClass_).m_MenuCDev, text::CLng(answer_));
+                answer_ =
+                    must(helper_).GenericTypeOfFunctionCode(moduleState(*pipeClass_).m_MenuCDev, text::CLng(answer_));
             });
     }
     if (answer_.empty()) {

@@ -15,7 +15,8 @@ using diagnostics::Procedure;
 namespace {
 constexpr std::string_view kPdmsFolderPath = "@3D|00|PDMS";
 constexpr std::string_view kStateTableName = "STATE";
-constexpr std::string_view kFixedColumns = "VC11|VC21|Name|State|CATREF|Cate|BLTREF|CMPREF|MATXT|DETREF|OtherCatRef|RefNo|Error|";
+constexpr std::string_view kFixedColumns =
+    "VC11|VC21|Name|State|CATREF|Cate|BLTREF|CMPREF|MATXT|DETREF|OtherCatRef|RefNo|Error|";
 constexpr std::string_view kStandardWidth = "1500";
 constexpr std::string_view kTextType = "A";
 
@@ -124,8 +125,8 @@ StandardTableRef StateTable(const ProjectRef& project)
         result = asTable(folder->StandardTables()->CreateNewWithName(kStateTableName));
         auto& host = diagnostics::utilities();
         for (const auto& row : kStateRows) {
-            auto& value = must(std::dynamic_pointer_cast<IStandardValue>(
-                must(result).Values()->CreateNewWithName(row.name)));
+            auto& value =
+                must(std::dynamic_pointer_cast<IStandardValue>(must(result).Values()->CreateNewWithName(row.name)));
             value.SetValue(row.value);
             value.SetDescription(row.description.empty() ? std::string() : host.Translate(row.description));
         }

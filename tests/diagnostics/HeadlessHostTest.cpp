@@ -1,8 +1,8 @@
 // The services without a window: trace, error reports, message boxes and
 // the texts for users in their language.
 
-#include "diagnostics/ErrorTail.h"
 #include "diagnostics/HeadlessHost.h"
+#include "diagnostics/ErrorTail.h"
 #include "diagnostics/Messages.h"
 #include "diagnostics/ServiceRegistry.h"
 #include "diagnostics/Translate.h"
@@ -243,8 +243,8 @@ TEST(LanguageTable, AMissingFileMeansTheDefaultsAndADamagedOneIsAConfigurationEr
     const auto table = LanguageTable::load(write(R"({"01310": "Pipe class", "0017a": "Function"})"));
     EXPECT_EQ(table.keys(), (std::vector<std::string>{"0017a", "01310"}));
     EXPECT_EQ(Translate(msg::PipeClass, table), "Pipe class");
-    for (const char* content :
-         {R"({"0017a": "Function")", R"(["0017a"])", R"({"0017a": 5})", R"({"Funktion": "Function"})", "", R"({"0017a": 1E400})"})
+    for (const char* content : {R"({"0017a": "Function")", R"(["0017a"])", R"({"0017a": 5})",
+                                R"({"Funktion": "Function"})", "", R"({"0017a": 1E400})"})
         EXPECT_EQ(errorNumber([&] { (void)LanguageTable::load(write(content)); }), err::Configuration) << content;
     // Language names cannot leave the language folder.
     EXPECT_EQ(LanguageTable::shippedPath("en").filename(), "en.json");

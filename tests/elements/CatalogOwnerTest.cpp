@@ -1,8 +1,8 @@
 // Where an element inherits its chapters from, and how the bounds of its
 // name-range chapter are filled.
 
-#include "objectmodel/Options.h"
 #include "elements/AddToPipeClass.h"
+#include "objectmodel/Options.h"
 #include "support/World.h"
 
 #include <gmock/gmock.h>

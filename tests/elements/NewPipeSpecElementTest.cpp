@@ -2,11 +2,11 @@
 // guard, the duplicate question, the device, its name-range chapter, bounds
 // and range, and the cache entry of the pipe class.
 
-#include "objectmodel/Options.h"
 #include "diagnostics/ServiceRegistry.h"
 #include "diagnostics/Translate.h"
 #include "elements/AddToPipeClass.h"
 #include "elements/RangeControl.h"
+#include "objectmodel/Options.h"
 #include "support/World.h"
 
 #include <gmock/gmock.h>

@@ -20,8 +20,9 @@ TEST(IsNumeric, AcceptsSignedDecimalsWithExponentAndBlanks)
 
 TEST(IsNumeric, RejectsIncompleteOrForeignFormsAndValuesBeyondADouble)
 {
-    for (const char* s : {"", "   ", ".", "+", "-", "1e", "1e+", "e5", ".e5", "abc", "12a", "1.2.3", "1 2", "- 1", "++1",
-                          "1,5", "0x10", "1e5.5", "1e5e5", "inf", "nan", "1e400", "-1e309", "0.0000001e316"})
+    for (const char* s :
+         {"",    "   ", ".",   "+",   "-",    "1e",    "1e+",   "e5",  ".e5", "abc",   "12a",    "1.2.3",
+          "1 2", "- 1", "++1", "1,5", "0x10", "1e5.5", "1e5e5", "inf", "nan", "1e400", "-1e309", "0.0000001e316"})
         EXPECT_FALSE(IsNumeric(s)) << '"' << s << '"';
 }
 

@@ -1,8 +1,8 @@
 // The text routines of the logic, and its one-based and keyed collections.
 
+#include "objectmodel/Text.h"
 #include "objectmodel/ExpectError.h"
 #include "objectmodel/KeyedMap.h"
-#include "objectmodel/Text.h"
 
 #include <gtest/gtest.h>
 

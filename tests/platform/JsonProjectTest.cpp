@@ -1,8 +1,8 @@
 // The readable project format: the bundled sample loads whole, and a file
 // that is not right is refused with words that say where.
 
-#include "objectmodel/ExpectError.h"
 #include "platform/JsonProject.h"
+#include "objectmodel/ExpectError.h"
 #include "support/TempDirectory.h"
 
 #include <gmock/gmock.h>
@@ -117,21 +117,25 @@ TEST(JsonProject, BadFilesAreRefusedSayingWhere)
     EXPECT_THAT(refusal(project({{"name", "P"}, {"colour", "red"}})), HasSubstr("unknown entry \"colour\""));
     EXPECT_THAT(refusal(project(3)), HasSubstr("project ? must be an object"));
     EXPECT_THAT(refusal(project({{"name", "P"}, {"base", "NONE"}})), HasSubstr("'NONE'"));
-    EXPECT_THAT(refusal(project({{"name", "P"},
-                                 {"roots", json::array({{{"name", "@40"},
-                                                         {"devices", json::array({{{"name", "A"}, {"cdevice", "P:@40|B"}}})}}})}})),
+    EXPECT_THAT(refusal(project(
+                    {{"name", "P"},
+                     {"roots", json::array({{{"name", "@40"},
+                                             {"devices", json::array({{{"name", "A"}, {"cdevice", "P:@40|B"}}})}}})}})),
                 HasSubstr("P:@40|A \"cdevice\" refers to 'P:@40|B', which does not exist"));
-    EXPECT_THAT(refusal(project({{"name", "P"},
-                                 {"roots", json::array({{{"name", "@40"},
-                                                         {"devices", json::array({{{"name", "A"}, {"cdevice", "P:@40|A"}}})}}})}})),
+    EXPECT_THAT(refusal(project(
+                    {{"name", "P"},
+                     {"roots", json::array({{{"name", "@40"},
+                                             {"devices", json::array({{{"name", "A"}, {"cdevice", "P:@40|A"}}})}}})}})),
                 HasSubstr("own base object"));
     EXPECT_THAT(refusal(project({{"name", "P"}, {"options", {{"x1", 3}}}})), HasSubstr("no option number"));
 
     const auto loadProject = [&](const std::filesystem::path& file) { platform::loadJsonProject(file, *defaults); };
-    EXPECT_THAT(refusalOfFile(R"({"format": "pipespec-sample", "version": 1, "appGlobals": {"Big": 1E400}})", loadProject),
-                HasSubstr("bad.json is not valid JSON: [json.exception.out_of_range.406] number overflow"));
-    const auto deep = R"({"format": "pipespec-sample", "version": 1, "projects": [{"name": "P", "roots": [{"name": "@20", "devices": [)" +
-                      nested(R"({"name": "D", "devices": [)", "", "]}") + "]}]}]}";
+    EXPECT_THAT(
+        refusalOfFile(R"({"format": "pipespec-sample", "version": 1, "appGlobals": {"Big": 1E400}})", loadProject),
+        HasSubstr("bad.json is not valid JSON: [json.exception.out_of_range.406] number overflow"));
+    const auto deep =
+        R"({"format": "pipespec-sample", "version": 1, "projects": [{"name": "P", "roots": [{"name": "@20", "devices": [)" +
+        nested(R"({"name": "D", "devices": [)", "", "]}") + "]}]}]}";
     EXPECT_THAT(refusalOfFile(deep, loadProject), HasSubstr("bad.json nests deeper than 512 levels"));
 
     try {
@@ -151,7 +155,8 @@ TEST(JsonNameTable, MissingLeavesAndSubTreesAreConfigurationErrors)
     EXPECT_EQ(checks::errorNumber([&] { JsonNameTable::parse(json{{"GD", 3}}, "inline"); }), err::Configuration);
     const auto load = [](const std::filesystem::path& file) { JsonNameTable::load(file); };
     EXPECT_THAT(refusalOfFile(R"({"GD": {"VFCD": 1E400}})", load), HasSubstr("bad.json is not valid JSON"));
-    EXPECT_THAT(refusalOfFile(nested(R"({"GD": )", "{}", "}"), load), HasSubstr("bad.json nests deeper than 512 levels"));
+    EXPECT_THAT(refusalOfFile(nested(R"({"GD": )", "{}", "}"), load),
+                HasSubstr("bad.json nests deeper than 512 levels"));
     try {
         (void)names->GD().Selector();
     } catch (const PlatformError& e) {
@@ -170,7 +175,8 @@ TEST(JsonNameTable, ADamagedFileIsAConfigurationError)
         EXPECT_EQ(checks::errorNumber([&] { (void)JsonNameTable::load(directory / "names.json"); }), err::Configuration)
             << content;
     }
-    EXPECT_EQ(checks::errorNumber([&] { (void)shippedNames()->overlaid(json::parse(deep), "inline"); }), err::Configuration);
+    EXPECT_EQ(checks::errorNumber([&] { (void)shippedNames()->overlaid(json::parse(deep), "inline"); }),
+              err::Configuration);
 }
 
 }  // namespace

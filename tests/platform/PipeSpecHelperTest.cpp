@@ -1,8 +1,8 @@
 // The pipe-spec helper: generic types by function-code pattern, components by
 // function code and nominal diameter.
 
-#include "objectmodel/ExpectError.h"
 #include "platform/PipeSpecHelper.h"
+#include "objectmodel/ExpectError.h"
 #include "support/World.h"
 
 #include <gtest/gtest.h>

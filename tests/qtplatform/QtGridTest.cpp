@@ -1,10 +1,10 @@
 // The Qt grid, driven through its window as a user drives it: the events it
 // raises, and what the query and the database show afterwards.
 
-#include "qtplatform/GridMenu.h"
-#include "qtplatform/ObjectDrag.h"
 #include "qtplatform/QtGrid.h"
 #include "platform/query/QueryFixture.h"
+#include "qtplatform/GridMenu.h"
+#include "qtplatform/ObjectDrag.h"
 
 #include <QGuiApplication>
 #include <QHeaderView>
@@ -57,7 +57,9 @@ std::string gridText(const QtGrid& grid)
             if (!grid.isColumnHidden(section)) joined += (joined.empty() ? "" : "|") + item(section);
         text += (text.empty() ? "" : "; ") + joined;
     };
-    line([&](int section) { return model.headerData(section, Qt::Horizontal, Qt::DisplayRole).toString().toStdString(); });
+    line([&](int section) {
+        return model.headerData(section, Qt::Horizontal, Qt::DisplayRole).toString().toStdString();
+    });
     for (int row = 0; row < model.rowCount(); ++row) line([&](int section) { return cell(row, section); });
     return text;
 }
@@ -73,7 +75,8 @@ std::string described(const QMenu& menu)
             text += "-";
             continue;
         }
-        text += action->text().toStdString() + (action->isEnabled() ? "" : "(off)") + (action->icon().isNull() ? "" : "*");
+        text +=
+            action->text().toStdString() + (action->isEnabled() ? "" : "(off)") + (action->icon().isNull() ? "" : "*");
         if (action->menu()) text += "[" + described(*action->menu()) + "]";
     }
     return text;
@@ -97,7 +100,9 @@ protected:
         const auto branch = column("BranchComponents", valuekind::None);
         branch->SetExtendedKind(extendedkind::CheckBox);
         branch->SetEditable(true);
-        for (const auto& [key, title] : {std::pair{"Name", "~00077 Name"}, {"Description", "Text"}, {"Lower", "DN"},
+        for (const auto& [key, title] : {std::pair{"Name", "~00077 Name"},
+                                         {"Description", "Text"},
+                                         {"Lower", "DN"},
                                          {"BranchComponents", "Branch"}})
             query->Top()->Columns()->Item(key)->SetTitle(title);
         served->values["BranchComponents"] = false;
@@ -125,7 +130,8 @@ protected:
     }
     QPoint cellAt(int row, const char* key) const
     {
-        const auto index = grid->tableModel().index(row, grid->tableModel().sectionOf(query->Top()->Columns()->Item(key)));
+        const auto index =
+            grid->tableModel().index(row, grid->tableModel().sectionOf(query->Top()->Columns()->Item(key)));
         return grid->visualRect(index).center();
     }
     void clickCell(int row, const char* key, Qt::KeyboardModifiers modifiers = {}) const
@@ -406,9 +412,10 @@ TEST_F(QtGridTest, DragsCarryTheWorksetsDragObject)
 
     QMimeData text;
     text.setText("E1");
-    EXPECT_EQ(dragTo(*grid->viewport(), cellAt(0, "Name"), text), Qt::IgnoreAction) << "not ours: the sink hears nothing";
-    EXPECT_THAT(sink->take(), ElementsAre("OLEDragOver", "OLEDragDrop 4", "OLETitleDragOver Lower",
-                                          "OLETitleDragDrop 0 Lower"));
+    EXPECT_EQ(dragTo(*grid->viewport(), cellAt(0, "Name"), text), Qt::IgnoreAction)
+        << "not ours: the sink hears nothing";
+    EXPECT_THAT(sink->take(),
+                ElementsAre("OLEDragOver", "OLEDragDrop 4", "OLETitleDragOver Lower", "OLETitleDragDrop 0 Lower"));
 }
 
 }  // namespace

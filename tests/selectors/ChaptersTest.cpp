@@ -73,9 +73,9 @@ TEST_F(Chapters, NewChapterFollowsASourceOfItsProjectAndOnlyCopiesOneOfAnother)
     bound->SetDescription("old");
     bound->SetControlType("QuorlSUICombo.SUICombo");
     EXPECT_EQ(InheritInChapter(own, "NR", baseSource)->InheritedChapter(), nullptr);
-    EXPECT_EQ(
-        bound->Value() + "|" + bound->Description() + "|" + bound->ControlType() + "|" + bound->ControlProperties(),
-        "50|Nennweite von|QuorlSUIEdit.SUIEdit|1;2;5;3");
+    EXPECT_EQ(bound->Value() + "|" + bound->Description() + "|" + bound->ControlType() + "|" +
+                  bound->ControlProperties(),
+              "50|Nennweite von|QuorlSUIEdit.SUIEdit|1;2;5;3");
     EXPECT_EQ(bound->StandardTable(), baseSource->Spec("DNFROM")->StandardTable());
     // Missing attributes are filled in by descending into the first member
     // that lacks some, and the fill does not come back up from there.
@@ -104,8 +104,8 @@ TEST_F(Layout, NewControlGoesUnderTheLowestOfItsColumnAboveTheLimit)
     edit("SEL.C1", "1;4;5;4.5");
     edit("SEL.C2", "1;6;5;6.5");
     edit("SEL.A0", "1;5;5;5.5");
-    edit("SEL.FAR", "7;8;9;9");         // another column
-    edit("SEL.INDENT", "0.5;9;5;9.5");  // left of the model
+    edit("SEL.FAR", "7;8;9;9");           // another column
+    edit("SEL.INDENT", "0.5;9;5;9.5");    // left of the model
     edit("SEL.HUGE", "1;1E400;5;1E400");  // beyond a double: no number, read as 0
     edit("SEL.DTSE", "1;11;5;11.5", "QuorlSUICombo.SUICombo");
     const auto newSpec = edit("SEL.NEW", "");

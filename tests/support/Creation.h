@@ -5,8 +5,8 @@
 // creation cascade starts fresh), and the range control and the chooser of
 // selectors, which a test may replace, put back after it.
 
-#include "elements/AddToPipeClass.h"
 #include "diagnostics/ServiceRegistry.h"
+#include "elements/AddToPipeClass.h"
 #include "elements/RangeControl.h"
 #include "selectors/ChooseSelector.h"
 #include "support/World.h"
@@ -33,7 +33,7 @@ protected:
 
     diagnostics::ScopedService<addtopipeclass::IRangeControl> rangeControl{addtopipeclass::setSharedPCOMRange, nullptr};
     diagnostics::ScopedService<addtopipeclass::IChooseSelectorView> chooserView{addtopipeclass::setChooseSelectorView,
-                                                                                   nullptr};
+                                                                                nullptr};
     World world;
     DeviceRef catalog = world.catalog();
 };

@@ -32,13 +32,20 @@ std::string variantText(const Variant& value)
     return std::visit(
         [](const auto& held) -> std::string {
             using T = std::decay_t<decltype(held)>;
-            if constexpr (std::is_same_v<T, std::monostate>) return "(empty)";
-            else if constexpr (std::is_same_v<T, bool>) return held ? "true" : "false";
-            else if constexpr (std::is_same_v<T, std::int64_t>) return "whole " + std::to_string(held);
-            else if constexpr (std::is_same_v<T, double>) return "real " + std::to_string(held);
-            else if constexpr (std::is_same_v<T, std::string>) return "'" + held + "'";
-            else if constexpr (std::is_same_v<T, ObjectRef>) return linkText(held);
-            else return "(list or map)";
+            if constexpr (std::is_same_v<T, std::monostate>)
+                return "(empty)";
+            else if constexpr (std::is_same_v<T, bool>)
+                return held ? "true" : "false";
+            else if constexpr (std::is_same_v<T, std::int64_t>)
+                return "whole " + std::to_string(held);
+            else if constexpr (std::is_same_v<T, double>)
+                return "real " + std::to_string(held);
+            else if constexpr (std::is_same_v<T, std::string>)
+                return "'" + held + "'";
+            else if constexpr (std::is_same_v<T, ObjectRef>)
+                return linkText(held);
+            else
+                return "(list or map)";
         },
         value.storage());
 }
@@ -77,7 +84,8 @@ public:
         same("database", "current project", projectName(expected.workset()->CurrentProject()),
              projectName(actual.workset()->CurrentProject()));
         if (!sameCount("database", "projects", expected.projects().size(), actual.projects().size())) return;
-        for (std::size_t i = 0; i < expected.projects().size(); ++i) project(*expected.projects()[i], *actual.projects()[i]);
+        for (std::size_t i = 0; i < expected.projects().size(); ++i)
+            project(*expected.projects()[i], *actual.projects()[i]);
 
         const auto& a = *expected.workset();
         const auto& b = *actual.workset();
@@ -94,7 +102,8 @@ public:
 private:
     void same(const std::string& where, const std::string& what, const std::string& expected, const std::string& actual)
     {
-        if (expected != actual) found_.push_back(where + ": " + what + " is '" + actual + "', expected '" + expected + "'");
+        if (expected != actual)
+            found_.push_back(where + ": " + what + " is '" + actual + "', expected '" + expected + "'");
     }
 
     bool sameCount(const std::string& where, const std::string& what, std::size_t expected, std::size_t actual)
@@ -185,7 +194,8 @@ private:
     {
         const auto a = storedQueryOf(expected);
         const auto b = storedQueryOf(actual);
-        if (a != b) found_.push_back(where + ": stored query is " + storedQueryText(b) + ", expected " + storedQueryText(a));
+        if (a != b)
+            found_.push_back(where + ": stored query is " + storedQueryText(b) + ", expected " + storedQueryText(a));
     }
 
     void specification(const std::string& where, const Specification& a, const Specification& b)

@@ -8,9 +8,9 @@ namespace pipespec::support {
 DeviceRef selectorBase(const World& world)
 {
     const auto& sele = world.names().Sele();
-    const auto base = world.device(world.root(world.base(), "@40"), "SELBASE",
-                                   {{sele.Answer(), ""}, {sele.NextQuestion(), ""}, {sele.DefaultAnswer(), ""},
-                                    {sele.SelectorType(), "1"}});
+    const auto base = world.device(
+        world.root(world.base(), "@40"), "SELBASE",
+        {{sele.Answer(), ""}, {sele.NextQuestion(), ""}, {sele.DefaultAnswer(), ""}, {sele.SelectorType(), "1"}});
     world.workset()->Globals()->setoption(option::SelectorBase, base);
     return base;
 }

@@ -21,7 +21,8 @@ std::vector<std::string> split(std::string_view path, char separator)
 }  // namespace
 
 World::World()
-    : names_(platform::JsonNameTable::load(platform::JsonNameTable::shippedPath())->overlaid(nlohmann::json::object(), "tests")),
+    : names_(platform::JsonNameTable::load(platform::JsonNameTable::shippedPath())
+                 ->overlaid(nlohmann::json::object(), "tests")),
       host_(std::make_unique<diagnostics::ScopedHeadlessHost>(names_)),
       database_(platform::Database::create()),
       base_(database_->addProject("BASE")),

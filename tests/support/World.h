@@ -6,8 +6,8 @@
 // Builders make catalogue components, pipe classes and attributes in a line.
 
 #include "diagnostics/HeadlessHost.h"
-#include "platform/store/Database.h"
 #include "platform/JsonNameTable.h"
+#include "platform/store/Database.h"
 
 #include <initializer_list>
 #include <memory>

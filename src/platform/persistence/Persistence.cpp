@@ -2,9 +2,9 @@
 
 #include "objectmodel/Errors.h"
 #include "platform/persistence/PersistenceFormat.h"
-#include "platform/query/QueryContainerFile.h"
-#include "platform/persistence/UndoJournal.h"
 #include "platform/persistence/SqliteFile.h"
+#include "platform/persistence/UndoJournal.h"
+#include "platform/query/QueryContainerFile.h"
 
 #include <optional>
 #include <random>
@@ -20,7 +20,8 @@ namespace {
 // new file takes it; an older one keeps its page size.
 void configureNew(const sqlite::Connection& file)
 {
-    file.exec("PRAGMA page_size = " + std::to_string(format::kPageSize) + "; PRAGMA journal_mode = MEMORY; PRAGMA synchronous = FULL");
+    file.exec("PRAGMA page_size = " + std::to_string(format::kPageSize) +
+              "; PRAGMA journal_mode = MEMORY; PRAGMA synchronous = FULL");
 }
 
 // A closed database is one file with a rollback journal in its header. The
@@ -53,7 +54,8 @@ void switchJournal(const sqlite::Connection& file, const std::string& mode)
     file.exec("PRAGMA journal_mode = MEMORY");
     try {
         if (file.text("PRAGMA journal_mode = " + mode) == mode) return;
-        throw PlatformError(err::FileAccess, "Database file " + file.path() + " cannot be given a " + mode + " journal");
+        throw PlatformError(err::FileAccess,
+                            "Database file " + file.path() + " cannot be given a " + mode + " journal");
     } catch (const PlatformError&) {
         // Never left with the journal in memory, which a kill during a write would not survive.
         file.exec("PRAGMA journal_mode = DELETE");
@@ -68,10 +70,13 @@ void checkFormat(const sqlite::Connection& file)
         throw PlatformError(err::Configuration, "Database file " + file.path() + " is not a pipespec database");
     const auto version = file.integer("PRAGMA user_version");
     if (version > format::kVersion)
-        throw PlatformError(err::Configuration, "Database file " + file.path() + " was written by a newer version (format " +
+        throw PlatformError(err::Configuration, "Database file " + file.path() +
+                                                    " was written by a newer version (format " +
                                                     std::to_string(version) + "); this program reads format " +
                                                     std::to_string(format::kVersion) + " and older");
-    if (version < 1) throw PlatformError(err::Configuration, "Database file " + file.path() + " is damaged: it has no format version");
+    if (version < 1)
+        throw PlatformError(err::Configuration,
+                            "Database file " + file.path() + " is damaged: it has no format version");
 }
 
 // The sections that every file keeps, so that no caller can forget one and
@@ -98,8 +103,10 @@ void publish(const std::filesystem::path& draft, const std::filesystem::path& pa
     std::error_code failed;
     std::filesystem::create_hard_link(draft, path, failed);
     if (failed == std::errc::file_exists)
-        throw PlatformError(err::FileAccess, "Database file " + path.string() + " exists already; it is not overwritten");
-    if (failed) throw PlatformError(err::FileAccess, "Database file " + path.string() + " cannot be made: " + failed.message());
+        throw PlatformError(err::FileAccess,
+                            "Database file " + path.string() + " exists already; it is not overwritten");
+    if (failed)
+        throw PlatformError(err::FileAccess, "Database file " + path.string() + " cannot be made: " + failed.message());
     std::filesystem::remove(draft, failed);
 }
 
@@ -133,7 +140,9 @@ struct ProjectFile::State {
         if (!logging) return;
         const auto path = file.path();
         journal.reset();
-        { const auto closed = std::move(file); }
+        {
+            const auto closed = std::move(file);
+        }
         try {
             const auto last = sqlite::Connection::open(path, sqlite::Connection::Mode::ReadWrite);
             last.setPatience(std::chrono::milliseconds(0));
@@ -151,7 +160,9 @@ struct ProjectFile::State {
 
     void requireWritable(std::string_view refused) const
     {
-        if (file.readOnly()) throw PlatformError(err::ReadOnly, "Database file " + file.path() + " is open read-only; " + std::string(refused));
+        if (file.readOnly())
+            throw PlatformError(err::ReadOnly,
+                                "Database file " + file.path() + " is open read-only; " + std::string(refused));
     }
 
     // Another session that saved since this one read the file would lose its
@@ -161,8 +172,8 @@ struct ProjectFile::State {
     {
         if (format::readGeneration(file) == generation) return;
         throw PlatformError(err::FileChanged, "Database file " + file.path() +
-                                                  " was changed by someone else since this session read it; " + std::string(refused) +
-                                                  ": read it anew, or save to another file");
+                                                  " was changed by someone else since this session read it; " +
+                                                  std::string(refused) + ": read it anew, or save to another file");
     }
 
     // Puts the file in the log (see configureForWriting) before the first write.
@@ -193,7 +204,10 @@ struct ProjectFile::State {
     bool logging = false;
 };
 
-ProjectFile::ProjectFile(std::unique_ptr<State> state) : state_(std::move(state)) { state_->database->trackChanges(true); }
+ProjectFile::ProjectFile(std::unique_ptr<State> state) : state_(std::move(state))
+{
+    state_->database->trackChanges(true);
+}
 ProjectFile::ProjectFile(ProjectFile&&) noexcept = default;
 
 ProjectFile& ProjectFile::operator=(ProjectFile&& other) noexcept
@@ -210,11 +224,13 @@ ProjectFile::~ProjectFile()
     if (state_) state_->database->trackChanges(false);
 }
 
-ProjectFile ProjectFile::create(const std::filesystem::path& path, std::shared_ptr<Database> database, std::string nameOverrides)
+ProjectFile ProjectFile::create(const std::filesystem::path& path, std::shared_ptr<Database> database,
+                                std::string nameOverrides)
 {
     std::error_code ignored;
     if (std::filesystem::exists(path, ignored))
-        throw PlatformError(err::FileAccess, "Database file " + path.string() + " exists already; it is not overwritten");
+        throw PlatformError(err::FileAccess,
+                            "Database file " + path.string() + " exists already; it is not overwritten");
     const auto draft = draftOf(path);
     auto sections = standardSections();
     try {
@@ -239,14 +255,14 @@ ProjectFile ProjectFile::create(const std::filesystem::path& path, std::shared_p
         throw;
     }
     database->forgetChanges();
-    return ProjectFile(std::make_unique<State>(sqlite::Connection::open(path, sqlite::Connection::Mode::ReadWrite), std::move(database),
-                                               std::move(nameOverrides), std::move(sections), 0));
+    return ProjectFile(std::make_unique<State>(sqlite::Connection::open(path, sqlite::Connection::Mode::ReadWrite),
+                                               std::move(database), std::move(nameOverrides), std::move(sections), 0));
 }
 
 ProjectFile ProjectFile::open(const std::filesystem::path& path, Access access)
 {
     auto file = sqlite::Connection::open(path, access == Access::ReadOnly ? sqlite::Connection::Mode::ReadOnly
-                                                                           : sqlite::Connection::Mode::ReadWrite);
+                                                                          : sqlite::Connection::Mode::ReadWrite);
     auto database = Database::create();
     auto sections = standardSections();
     std::string nameOverrides;
@@ -261,8 +277,8 @@ ProjectFile ProjectFile::open(const std::filesystem::path& path, Access access)
         for (const auto& section : sections) section->load(file, *database);
         generation = format::readGeneration(file);
     }
-    return ProjectFile(
-        std::make_unique<State>(std::move(file), std::move(database), std::move(nameOverrides), std::move(sections), generation));
+    return ProjectFile(std::make_unique<State>(std::move(file), std::move(database), std::move(nameOverrides),
+                                               std::move(sections), generation));
 }
 
 const std::shared_ptr<Database>& ProjectFile::database() const { return state_->database; }
@@ -301,8 +317,14 @@ SaveSummary ProjectFile::save()
 bool ProjectFile::undo() { return replay(true); }
 bool ProjectFile::redo() { return replay(false); }
 
-std::size_t ProjectFile::undoSteps() const { return state_->journal ? state_->journal->steps(format::UndoJournal::Side::Undo) : 0; }
-std::size_t ProjectFile::redoSteps() const { return state_->journal ? state_->journal->steps(format::UndoJournal::Side::Redo) : 0; }
+std::size_t ProjectFile::undoSteps() const
+{
+    return state_->journal ? state_->journal->steps(format::UndoJournal::Side::Undo) : 0;
+}
+std::size_t ProjectFile::redoSteps() const
+{
+    return state_->journal ? state_->journal->steps(format::UndoJournal::Side::Redo) : 0;
+}
 
 bool ProjectFile::replay(bool undoing)
 {

@@ -15,9 +15,9 @@
 // A change of layout raises kVersion; a file of a higher version is refused.
 
 #include "objectmodel/Variant.h"
-#include "platform/store/Database.h"
 #include "platform/persistence/Persistence.h"
 #include "platform/persistence/SqliteFile.h"
+#include "platform/store/Database.h"
 
 #include <array>
 #include <cstdint>
@@ -81,10 +81,31 @@ enum Field : int {
 // Where the object stands, after the fields.
 enum Place : int { Id = FieldCount, Kind, Project, Owner, Position, ColumnCount };
 
-inline constexpr std::array<std::string_view, ColumnCount> kColumns = {
-    "name", "description", "xml", "folder", "read_only", "create_option", "cdevice", "value", "value_type",
-    "standard_table", "link", "inherits", "inherit_mode", "control_type", "control_properties", "answer_mode",
-    "linked_count", "value_locked", "x_values", "language_values", "id", "kind", "project", "owner", "position"};
+inline constexpr std::array<std::string_view, ColumnCount> kColumns = {"name",
+                                                                       "description",
+                                                                       "xml",
+                                                                       "folder",
+                                                                       "read_only",
+                                                                       "create_option",
+                                                                       "cdevice",
+                                                                       "value",
+                                                                       "value_type",
+                                                                       "standard_table",
+                                                                       "link",
+                                                                       "inherits",
+                                                                       "inherit_mode",
+                                                                       "control_type",
+                                                                       "control_properties",
+                                                                       "answer_mode",
+                                                                       "linked_count",
+                                                                       "value_locked",
+                                                                       "x_values",
+                                                                       "language_values",
+                                                                       "id",
+                                                                       "kind",
+                                                                       "project",
+                                                                       "owner",
+                                                                       "position"};
 
 enum class ObjectKind : std::int64_t { Root = 1, Device = 2, Specification = 3, Table = 4, Row = 5 };
 ObjectKind kindOf(const StoredObject& object);

@@ -133,7 +133,8 @@ private:
         try {
             return nlohmann::json::parse(row.text(field)).get<std::vector<std::string>>();
         } catch (const nlohmann::json::exception&) {
-            damaged("the list " + std::string(kColumns[static_cast<std::size_t>(field)]) + " of " + row.text(Name) + " is not readable");
+            damaged("the list " + std::string(kColumns[static_cast<std::size_t>(field)]) + " of " + row.text(Name) +
+                    " is not readable");
         }
     }
 
@@ -168,7 +169,8 @@ private:
             if (const auto mode = row.textView(InheritMode); !mode.empty()) spec->SetInheritMode(mode);
             if (const auto type = row.textView(ControlType); !type.empty()) spec->SetControlType(type);
             if (const auto text = row.textView(ControlProperties); !text.empty()) spec->SetControlProperties(text);
-            if (const auto mode = row.integer(AnswerMode); mode != spec->AnswerMode()) spec->SetAnswerMode(static_cast<long>(mode));
+            if (const auto mode = row.integer(AnswerMode); mode != spec->AnswerMode())
+                spec->SetAnswerMode(static_cast<long>(mode));
             if (const auto count = row.integer(LinkedCount); count != 0) spec->setLinkedCount(static_cast<int>(count));
             int index = 0;
             for (const auto& value : texts(row, XValues)) spec->SetXValue(index++, value);
@@ -187,32 +189,39 @@ private:
     // a member joins a tree that stands, and how deep it lies is known.
     void placeObjects()
     {
-        std::sort(placements_.begin(), placements_.end(),
-                  [](const Placement& a, const Placement& b) { return std::tie(a.owner, a.position) < std::tie(b.owner, b.position); });
+        std::sort(placements_.begin(), placements_.end(), [](const Placement& a, const Placement& b) {
+            return std::tie(a.owner, a.position) < std::tie(b.owner, b.position);
+        });
         for (const auto& placement : placements_)
-            if (!objects_.contains(placement.owner)) damaged(placement.object->Name() + " belongs to an object that is not there");
+            if (!objects_.contains(placement.owner))
+                damaged(placement.object->Name() + " belongs to an object that is not there");
 
         std::size_t placed = 0;
         auto level = tops_;
         for (std::size_t depth = 1; !level.empty(); ++depth) level = placeMembers(level, depth, placed);
         if (placed == placements_.size()) return;
         // What no level reached hangs in, or below, a circle of owners.
-        const auto lost = std::find_if(placements_.begin(), placements_.end(), [](const Placement& p) { return !p.object->owner(); });
-        damaged("object " + std::to_string(lost->id) + " (" + lost->object->Name() + ") does not lead up to a root: its owners go round in a circle");
+        const auto lost =
+            std::find_if(placements_.begin(), placements_.end(), [](const Placement& p) { return !p.object->owner(); });
+        damaged("object " + std::to_string(lost->id) + " (" + lost->object->Name() +
+                ") does not lead up to a root: its owners go round in a circle");
     }
 
     // Puts in the members of `owners`, which stand `depth` levels below the tops; gives their ids.
-    std::vector<std::int64_t> placeMembers(const std::vector<std::int64_t>& owners, std::size_t depth, std::size_t& placed)
+    std::vector<std::int64_t> placeMembers(const std::vector<std::int64_t>& owners, std::size_t depth,
+                                           std::size_t& placed)
     {
         std::vector<std::int64_t> members;
         for (const auto ownerId : owners) {
             const auto& owner = objects_.at(ownerId);
             const auto [first, last] = std::equal_range(placements_.begin(), placements_.end(), ownerId, OwnerOrder{});
             if (first != last && depth > kMaxNesting)
-                damaged("its objects nest deeper than " + std::to_string(kMaxNesting) + " levels below " + owner->Name());
+                damaged("its objects nest deeper than " + std::to_string(kMaxNesting) + " levels below " +
+                        owner->Name());
             for (auto member = first; member != last; ++member) {
                 owner->insertMember(member->object, kLast);
-                if (member->object->owner() != owner) damaged(owner->SystemFullName() + " cannot hold " + member->object->Name());
+                if (member->object->owner() != owner)
+                    damaged(owner->SystemFullName() + " cannot hold " + member->object->Name());
                 members.push_back(member->id);
             }
             placed += static_cast<std::size_t>(last - first);
@@ -234,7 +243,8 @@ private:
         if (digits == 0 || digits == std::string_view::npos) return nullptr;
         std::int64_t id = 0;
         if (std::from_chars(link.data(), link.data() + digits, id).ec != std::errc())
-            damaged("a link names object " + std::string(link.substr(0, digits)) + ", a number beyond those of objects");
+            damaged("a link names object " + std::string(link.substr(0, digits)) +
+                    ", a number beyond those of objects");
         auto at = stored(id);
         auto rest = link.substr(digits);
         const auto hash = rest.find('#');
@@ -303,7 +313,8 @@ private:
         auto projectOptions = file_.prepare("SELECT project, number, kind, value FROM project_options");
         while (projectOptions.step()) {
             const auto number = static_cast<int>(projectOptions.integer(1));
-            projectNamed(projectOptions.text(0))->setOption(number, option(projectOptions, 2, "option " + std::to_string(number)));
+            projectNamed(projectOptions.text(0))
+                ->setOption(number, option(projectOptions, 2, "option " + std::to_string(number)));
         }
         const auto globals = database_.workset()->globals();
         auto worksetOptions = file_.prepare("SELECT number, kind, value FROM workset_options");

@@ -21,7 +21,8 @@ ObjectKind kindOf(const StoredObject& object)
     case systemtype::Specification: return ObjectKind::Specification;
     case systemtype::StandardTable: return ObjectKind::Table;
     case systemtype::StandardValue: return ObjectKind::Row;
-    default: throw PlatformError(err::Internal, object.SystemFullName() + " is no kind of object a database file keeps");
+    default:
+        throw PlatformError(err::Internal, object.SystemFullName() + " is no kind of object a database file keeps");
     }
 }
 
@@ -102,7 +103,9 @@ void bindFields(Statement& statement, const StoredObject& object)
         bindTexts(statement, at(LanguageValues), extras.languageValues);
         break;
     }
-    case ObjectKind::Row: statement.bindInPlace(at(Value), static_cast<const platform::StandardValue&>(object).plainValue()); break;
+    case ObjectKind::Row:
+        statement.bindInPlace(at(Value), static_cast<const platform::StandardValue&>(object).plainValue());
+        break;
     case ObjectKind::Table: break;
     }
 }
@@ -132,7 +135,8 @@ void bindOption(Statement& statement, int parameter, const Variant& value, const
                 kind(ValueKind::Object);
                 bindLink(statement, parameter + 1, held);
             } else {
-                throw PlatformError(err::NotSupported, where + " holds a list or a map, which a database file cannot keep");
+                throw PlatformError(err::NotSupported,
+                                    where + " holds a list or a map, which a database file cannot keep");
             }
         },
         value.storage());
@@ -193,7 +197,8 @@ public:
     SaveSummary everything(const Database& database)
     {
         for (const auto& project : database.projects())
-            forEachMember(*project, [&](const auto& member, std::size_t position) { writeTree(*member, nullptr, position); });
+            forEachMember(*project,
+                          [&](const auto& member, std::size_t position) { writeTree(*member, nullptr, position); });
         return summary();
     }
 
@@ -243,7 +248,8 @@ private:
     {
         std::string assignments;
         for (int i = 0; i < FieldCount; ++i)
-            assignments += (i ? ", " : "") + std::string(kColumns[static_cast<std::size_t>(i)]) + " = ?" + std::to_string(i + 1);
+            assignments +=
+                (i ? ", " : "") + std::string(kColumns[static_cast<std::size_t>(i)]) + " = ?" + std::to_string(i + 1);
         return "UPDATE objects SET " + assignments + " WHERE id = ?" + std::to_string(Id + 1);
     }
 
@@ -340,7 +346,8 @@ constexpr std::string_view kGenerationKey = "generation";
 // few and rewritten whole, the generation aside; a project without write
 // access keeps what the file has, unless the file is new.
 enum class SaveScope { Everything, Changes };
-void writeSettings(const sqlite::Connection& file, const Database& database, std::string_view nameOverrides, SaveScope scope)
+void writeSettings(const sqlite::Connection& file, const Database& database, std::string_view nameOverrides,
+                   SaveScope scope)
 {
     file.prepare("DELETE FROM meta WHERE key <> ?1").bind(1, kGenerationKey).run();
     file.exec("DELETE FROM projects; DELETE FROM workset_options; DELETE FROM app_values");
@@ -356,13 +363,15 @@ void writeSettings(const sqlite::Connection& file, const Database& database, std
     setMeta("name_overrides", text(nameOverrides));
     const auto globals = database.workset()->globals();
     setMeta("pipe_class_root", [&](Statement& s, int at) { bindLink(s, at, globals->PipeClassRootCDevice()); });
-    setMeta("designer_run", [&](Statement& s, int at) { bindFlag(s, at, database.workset()->appGlobals()->TubrixDesignerRun()); });
+    setMeta("designer_run",
+            [&](Statement& s, int at) { bindFlag(s, at, database.workset()->appGlobals()->TubrixDesignerRun()); });
 
     auto project = file.prepare("INSERT INTO projects(position, name, base, access_rights) VALUES(?1, ?2, ?3, ?4)");
     auto removeLanguages = file.prepare("DELETE FROM languages WHERE project = ?1");
     auto language = file.prepare("INSERT INTO languages(project, position, name) VALUES(?1, ?2, ?3)");
     auto removeOptions = file.prepare("DELETE FROM project_options WHERE project = ?1");
-    auto projectOption = file.prepare("INSERT INTO project_options(project, number, kind, value) VALUES(?1, ?2, ?3, ?4)");
+    auto projectOption =
+        file.prepare("INSERT INTO project_options(project, number, kind, value) VALUES(?1, ?2, ?3, ?4)");
     std::int64_t position = 0;
     for (const auto& each : database.projects()) {
         project.bind(1, position++).bind(2, each->Name()).bind(4, std::int64_t{each->AccessRights()});
@@ -414,12 +423,13 @@ std::vector<ChangedOwner> changedOwners(const Database& database)
         if (!membership.holds(*object)) continue;
         const auto& project = must(object->storeProject());
         if (!project.writable())
-            throw PlatformError(err::ReadOnly, "no write access to project " + project.Name() + ": " + object->SystemFullName() +
-                                                   " was changed; nothing is saved");
+            throw PlatformError(err::ReadOnly, "no write access to project " + project.Name() + ": " +
+                                                   object->SystemFullName() + " was changed; nothing is saved");
         owners.push_back({&project, object.get(), idOf(*object)});
     }
     // In the order of the file, so that the pages are read and written in sequence.
-    std::sort(owners.begin() + projects, owners.end(), [](const ChangedOwner& a, const ChangedOwner& b) { return a.id < b.id; });
+    std::sort(owners.begin() + projects, owners.end(),
+              [](const ChangedOwner& a, const ChangedOwner& b) { return a.id < b.id; });
     return owners;
 }
 
@@ -446,7 +456,10 @@ std::int64_t readGeneration(const sqlite::Connection& file)
 
 void writeGeneration(const sqlite::Connection& file, std::int64_t generation)
 {
-    file.prepare("INSERT OR REPLACE INTO meta(key, value) VALUES(?1, ?2)").bind(1, kGenerationKey).bind(2, generation).run();
+    file.prepare("INSERT OR REPLACE INTO meta(key, value) VALUES(?1, ?2)")
+        .bind(1, kGenerationKey)
+        .bind(2, generation)
+        .run();
 }
 
 }  // namespace pipespec::platform::format

@@ -13,7 +13,8 @@ namespace {
 int length(std::string_view text)
 {
     if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
-        throw PlatformError(err::InvalidCall, "a text of " + std::to_string(text.size()) + " bytes is too long to be stored");
+        throw PlatformError(err::InvalidCall,
+                            "a text of " + std::to_string(text.size()) + " bytes is too long to be stored");
     return static_cast<int>(text.size());
 }
 }  // namespace
@@ -27,8 +28,10 @@ Connection Connection::open(const std::filesystem::path& path, Mode mode)
     const auto status = std::filesystem::status(path, ignored);
     const bool exists = std::filesystem::exists(status);
     if (mode == Mode::Create && exists)
-        throw PlatformError(err::FileAccess, "Database file " + path.string() + " exists already; it is not overwritten");
-    if (mode != Mode::Create && !exists) throw PlatformError(err::FileAccess, "Database file " + path.string() + " does not exist");
+        throw PlatformError(err::FileAccess,
+                            "Database file " + path.string() + " exists already; it is not overwritten");
+    if (mode != Mode::Create && !exists)
+        throw PlatformError(err::FileAccess, "Database file " + path.string() + " does not exist");
     if (mode != Mode::Create && !std::filesystem::is_regular_file(status))
         throw PlatformError(err::FileAccess, "Database file " + path.string() + " is not a regular file");
 
@@ -56,17 +59,17 @@ void Connection::check(int code, std::string_view doing) const
     // The statement would only hide the one thing to know.
     if ((code & 0xff) == SQLITE_BUSY)
         throw PlatformError(err::FileAccess, file + " is in use by another run, which did not let go of it within " +
-                                                 std::to_string(kPatience.count() / 1000) + " seconds; try again later");
-    const std::string what = file + ": " + std::string(doing) + " failed: " + (db_ ? sqlite3_errmsg(db_.get()) : sqlite3_errstr(code));
+                                                 std::to_string(kPatience.count() / 1000) +
+                                                 " seconds; try again later");
+    const std::string what =
+        file + ": " + std::string(doing) + " failed: " + (db_ ? sqlite3_errmsg(db_.get()) : sqlite3_errstr(code));
     switch (code & 0xff) {
-    case SQLITE_READONLY:
-        throw PlatformError(err::ReadOnly, what);
+    case SQLITE_READONLY: throw PlatformError(err::ReadOnly, what);
     case SQLITE_NOTADB:
     case SQLITE_CORRUPT:
     case SQLITE_FORMAT:
         throw PlatformError(err::Configuration, what + " (the file is damaged or not a pipespec database)");
-    default:
-        throw PlatformError(err::FileAccess, what);
+    default: throw PlatformError(err::FileAccess, what);
     }
 }
 
@@ -90,7 +93,8 @@ auto singleValue(const Connection& connection, std::string_view sql, Read read)
 {
     auto statement = connection.prepare(sql);
     if (!statement.step())
-        throw PlatformError(err::Configuration, "Database file " + connection.path() + ": " + std::string(sql) + " gave no value");
+        throw PlatformError(err::Configuration,
+                            "Database file " + connection.path() + ": " + std::string(sql) + " gave no value");
     return read(statement);
 }
 }  // namespace
@@ -152,8 +156,7 @@ bool Statement::step()
 
 void Statement::run()
 {
-    while (step()) {
-    }
+    while (step()) {}
     reset();
 }
 
@@ -175,7 +178,8 @@ std::string_view Statement::textView(int column) const
     const auto* bytes = sqlite3_column_text(statement_.get(), column);
     const int size = sqlite3_column_bytes(statement_.get(), column);
     // NULL reads as an empty text that points somewhere, as copying it may need.
-    return bytes ? std::string_view(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size)) : std::string_view("");
+    return bytes ? std::string_view(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size))
+                 : std::string_view("");
 }
 
 // ---- Transaction -------------------------------------------------------

@@ -90,7 +90,9 @@ private:
     struct Finalize {
         void operator()(sqlite3_stmt* statement) const noexcept;
     };
-    Statement(sqlite3_stmt* statement, const Connection& connection) : statement_(statement), connection_(&connection) {}
+    Statement(sqlite3_stmt* statement, const Connection& connection) : statement_(statement), connection_(&connection)
+    {
+    }
     void check(int code, std::string_view doing) const { connection_->check(code, doing); }
 
     std::unique_ptr<sqlite3_stmt, Finalize> statement_;

@@ -42,7 +42,8 @@ std::string untouched(std::string_view id)
     return "NOT EXISTS(SELECT 1 FROM temp.journal_touched WHERE id = " + std::string(id) + ")";
 }
 
-std::string recordingTrigger(std::string_view name, std::string_view event, std::string_view id, std::string_view recording)
+std::string recordingTrigger(std::string_view name, std::string_view event, std::string_view id,
+                             std::string_view recording)
 {
     return "CREATE TEMP TRIGGER " + std::string(name) + " BEFORE " + std::string(event) +
            " ON main.objects WHEN EXISTS(SELECT 1 FROM temp.journal_now) BEGIN " + std::string(recording) +
@@ -53,7 +54,8 @@ std::string recordingTrigger(std::string_view name, std::string_view event, std:
 std::string recordingOld(std::string_view name, std::string_view event)
 {
     return recordingTrigger(name, event, "OLD.id",
-                            "INSERT INTO journal_rows SELECT " + std::string(kNow) + ", 1, " + columnList("OLD.") + " WHERE " + untouched("OLD.id") + ";");
+                            "INSERT INTO journal_rows SELECT " + std::string(kNow) + ", 1, " + columnList("OLD.") +
+                                " WHERE " + untouched("OLD.id") + ";");
 }
 
 // An insertion may replace a row, which it looks up; else the step added the row.
@@ -62,8 +64,9 @@ std::string recordingInsert()
     return recordingTrigger("journal_insert", "INSERT", "NEW.id",
                             "INSERT INTO journal_rows SELECT " + std::string(kNow) + ", 1, " + columnList() +
                                 " FROM main.objects WHERE id = NEW.id AND " + untouched("NEW.id") +
-                                "; INSERT INTO journal_rows(step, present, id) SELECT " + std::string(kNow) + ", 0, NEW.id WHERE " +
-                                untouched("NEW.id") + " AND NOT EXISTS(SELECT 1 FROM main.objects WHERE id = NEW.id);");
+                                "; INSERT INTO journal_rows(step, present, id) SELECT " + std::string(kNow) +
+                                ", 0, NEW.id WHERE " + untouched("NEW.id") +
+                                " AND NOT EXISTS(SELECT 1 FROM main.objects WHERE id = NEW.id);");
 }
 
 }  // namespace
@@ -73,7 +76,8 @@ void UndoJournal::createTables(const sqlite::Connection& file) { file.exec(schem
 UndoJournal::UndoJournal(const sqlite::Connection& file) : file_(file)
 {
     createTables(file_);
-    file_.exec("CREATE TEMP TABLE journal_now(step INTEGER NOT NULL); CREATE TEMP TABLE journal_touched(id INTEGER PRIMARY KEY)");
+    file_.exec("CREATE TEMP TABLE journal_now(step INTEGER NOT NULL); CREATE TEMP TABLE journal_touched(id INTEGER "
+               "PRIMARY KEY)");
     file_.exec(recordingOld("journal_delete", "DELETE"));
     file_.exec(recordingInsert());
 }
@@ -81,7 +85,10 @@ UndoJournal::UndoJournal(const sqlite::Connection& file) : file_(file)
 void UndoJournal::open(Side side)
 {
     step_ = file_.integer("SELECT coalesce(max(step), 0) + 1 FROM journal_steps");
-    file_.prepare("INSERT INTO journal_steps(step, side) VALUES(?1, ?2)").bind(1, step_).bind(2, std::int64_t{static_cast<int>(side)}).run();
+    file_.prepare("INSERT INTO journal_steps(step, side) VALUES(?1, ?2)")
+        .bind(1, step_)
+        .bind(2, std::int64_t{static_cast<int>(side)})
+        .run();
     file_.exec("DELETE FROM temp.journal_touched");
     file_.prepare("INSERT INTO temp.journal_now(step) VALUES(?1)").bind(1, step_).run();
 }
@@ -101,8 +108,10 @@ void UndoJournal::beginSave() { open(Side::Undo); }
 void UndoJournal::recordBeforeUpdate(const std::vector<std::int64_t>& ids)
 {
     const auto list = nlohmann::json(ids).dump();
-    file_.prepare("INSERT INTO journal_rows SELECT ?1, 1, " + columnList("kept.") +
-                  " FROM json_each(?2) AS listed JOIN main.objects AS kept ON kept.id = listed.value WHERE " + untouched("kept.id"))
+    file_
+        .prepare("INSERT INTO journal_rows SELECT ?1, 1, " + columnList("kept.") +
+                 " FROM json_each(?2) AS listed JOIN main.objects AS kept ON kept.id = listed.value WHERE " +
+                 untouched("kept.id"))
         .bind(1, step_)
         .bind(2, list)
         .run();
@@ -128,9 +137,13 @@ bool UndoJournal::replay(Side side)
     const auto taken = newest.integer(0);
 
     open(side == Side::Undo ? Side::Redo : Side::Undo);
-    file_.prepare("DELETE FROM objects WHERE id IN (SELECT id FROM journal_rows WHERE step = ?1 AND present = 0)").bind(1, taken).run();
+    file_.prepare("DELETE FROM objects WHERE id IN (SELECT id FROM journal_rows WHERE step = ?1 AND present = 0)")
+        .bind(1, taken)
+        .run();
     const auto columns = columnList();
-    file_.prepare("INSERT OR REPLACE INTO objects(" + columns + ") SELECT " + columns + " FROM journal_rows WHERE step = ?1 AND present = 1")
+    file_
+        .prepare("INSERT OR REPLACE INTO objects(" + columns + ") SELECT " + columns +
+                 " FROM journal_rows WHERE step = ?1 AND present = 1")
         .bind(1, taken)
         .run();
     close();

@@ -8,7 +8,10 @@ namespace {
 constexpr std::string_view kWidth = "Width.";
 constexpr std::string_view kPosition = "Position.";
 
-std::string valueName(std::string_view prefix, const IQueryColumn& column) { return std::string(prefix).append(column.Key()); }
+std::string valueName(std::string_view prefix, const IQueryColumn& column)
+{
+    return std::string(prefix).append(column.Key());
+}
 }  // namespace
 
 void GridSettings::Load(const ObjectSetNodeRef& node)

@@ -10,7 +10,10 @@ namespace pipespec::platform {
 
 // ---- HeadlessGrid: what it shows ---------------------------------------
 
-HeadlessGrid::HeadlessGrid(std::string settingsName) : settings_(std::make_shared<GridSettings>(std::move(settingsName))) {}
+HeadlessGrid::HeadlessGrid(std::string settingsName)
+    : settings_(std::make_shared<GridSettings>(std::move(settingsName)))
+{
+}
 
 IQuery& HeadlessGrid::query() const { return must(query_); }
 
@@ -187,7 +190,10 @@ bool HeadlessGrid::deleteColumns(const std::vector<std::string>& keys)
     return true;
 }
 
-void HeadlessGrid::moveColumn(std::string_view key, int position) { platform::moveColumn(query(), column(key), position, events_); }
+void HeadlessGrid::moveColumn(std::string_view key, int position)
+{
+    platform::moveColumn(query(), column(key), position, events_);
+}
 
 bool HeadlessGrid::deleteSelectedRows()
 {

@@ -16,8 +16,8 @@ void requireOneOf(int value, std::initializer_list<int> allowed, std::string_vie
 
 PlatformError outOfRange(std::string_view what, int index, int count)
 {
-    return PlatformError(err::SubscriptOutOfRange,
-                         std::string(what) + " " + std::to_string(index) + " is out of range (" + std::to_string(count) + ")");
+    return PlatformError(err::SubscriptOutOfRange, std::string(what) + " " + std::to_string(index) +
+                                                       " is out of range (" + std::to_string(count) + ")");
 }
 
 // The place of a 1-based index in a list of `count` items.
@@ -50,7 +50,8 @@ private:
 
 void ColumnSource::Set(int kind, std::string_view name)
 {
-    requireOneOf(kind, {sourcekind::None, sourcekind::Owner, sourcekind::BaseObject, sourcekind::Attribute}, "column source");
+    requireOneOf(kind, {sourcekind::None, sourcekind::Owner, sourcekind::BaseObject, sourcekind::Attribute},
+                 "column source");
     settings_.sourceKind = kind;
     settings_.sourceName = name;
 }
@@ -75,8 +76,8 @@ void QueryColumn::SetBaseColumn(const QueryColumnRef& column)
 void QueryColumn::SetValueKind(int kind)
 {
     requireOneOf(kind,
-                 {valuekind::None, valuekind::Description, valuekind::Name, valuekind::Component, valuekind::DisplayValue,
-                  valuekind::RangeBound, valuekind::Value},
+                 {valuekind::None, valuekind::Description, valuekind::Name, valuekind::Component,
+                  valuekind::DisplayValue, valuekind::RangeBound, valuekind::Value},
                  "value kind");
     settings_.valueKind = kind;
 }
@@ -84,14 +85,12 @@ void QueryColumn::SetValueKind(int kind)
 void QueryColumn::SetValueParameter(std::string_view parameter)
 {
     if (parameter != "" && parameter != "0" && parameter != "1")
-        throw PlatformError(err::InvalidCall, "'" + std::string(parameter) + "' is no bound of a range: \"0\" or \"1\"");
+        throw PlatformError(err::InvalidCall,
+                            "'" + std::string(parameter) + "' is no bound of a range: \"0\" or \"1\"");
     settings_.valueParameter = parameter;
 }
 
-std::shared_ptr<IColumnSource> QueryColumn::Source() const
-{
-    return {shared_from_this(), &source_};
-}
+std::shared_ptr<IColumnSource> QueryColumn::Source() const { return {shared_from_this(), &source_}; }
 
 void QueryColumn::SetNumericMode(int mode)
 {
@@ -101,14 +100,16 @@ void QueryColumn::SetNumericMode(int mode)
 
 void QueryColumn::SetExtendedKind(int kind)
 {
-    requireOneOf(kind, {extendedkind::None, extendedkind::Value, extendedkind::Object, extendedkind::CheckBox}, "extended kind");
+    requireOneOf(kind, {extendedkind::None, extendedkind::Value, extendedkind::Object, extendedkind::CheckBox},
+                 "extended kind");
     settings_.extendedKind = kind;
 }
 
 ColumnPtr ownColumn(const QueryColumnRef& column)
 {
     auto own = std::dynamic_pointer_cast<QueryColumn>(column);
-    if (column && !own) throw PlatformError(err::TypeMismatch, "the column " + column->Key() + " belongs to another query engine");
+    if (column && !own)
+        throw PlatformError(err::TypeMismatch, "the column " + column->Key() + " belongs to another query engine");
     return own;
 }
 
@@ -122,7 +123,8 @@ ColumnPtr QueryColumns::find(std::string_view key) const
 
 int QueryColumns::place(ColumnPtr column, int position)
 {
-    if (position != -1 && position < 1) throw PlatformError(err::InvalidCall, "column position " + std::to_string(position));
+    if (position != -1 && position < 1)
+        throw PlatformError(err::InvalidCall, "column position " + std::to_string(position));
     const auto key = column->Key();
     if (byKey_.count(key) != 0)
         throw PlatformError(err::DuplicateKey, "the query already has a column with the key " + key);
@@ -193,14 +195,17 @@ std::shared_ptr<QueryFilter> QueryFilters::append() { return items_.emplace_back
 
 QueryFilterRef QueryFilters::Add(int index)
 {
-    if (index != -1) throw PlatformError(err::InvalidCall, "filters are added at the end only (-1), not at " + std::to_string(index));
+    if (index != -1)
+        throw PlatformError(err::InvalidCall,
+                            "filters are added at the end only (-1), not at " + std::to_string(index));
     if (!items_.empty() && items_.back()->Link() == filterlink::None) return items_.back();
     return append();
 }
 
 void QuerySort::SetDirection(int direction)
 {
-    requireOneOf(direction, {sortdirection::None, sortdirection::Ascending, sortdirection::Descending}, "sort direction");
+    requireOneOf(direction, {sortdirection::None, sortdirection::Ascending, sortdirection::Descending},
+                 "sort direction");
     direction_ = direction;
 }
 
@@ -238,14 +243,17 @@ std::vector<ExtendedRef> QueryTop::releaseServers()
 // ---- Query -------------------------------------------------------------
 
 Query::Query()
-    : top_(std::make_shared<QueryTop>()), filters_(std::make_shared<QueryFilters>()), sorts_(std::make_shared<QuerySorts>())
+    : top_(std::make_shared<QueryTop>()),
+      filters_(std::make_shared<QueryFilters>()),
+      sorts_(std::make_shared<QuerySorts>())
 {
 }
 
 QueryDefinition Query::definition() const
 {
     QueryDefinition definition;
-    for (const auto& column : top_->columns().items()) definition.columns.push_back({column->settings(), keyOf(column->base())});
+    for (const auto& column : top_->columns().items())
+        definition.columns.push_back({column->settings(), keyOf(column->base())});
     for (const auto& filter : filters_->items())
         definition.filters.push_back({keyOf(filter->column()), filter->Operator(), filter->Link(), filter->Value()});
     for (const auto& sort : sorts_->items()) definition.sorts.push_back({keyOf(sort->column()), sort->Direction()});
@@ -261,7 +269,8 @@ std::shared_ptr<Query> Query::fromDefinition(const QueryDefinition& definition)
         columns.Insert(std::make_shared<QueryColumn>(column.settings), -1, placedAt);
     }
     for (const auto& column : definition.columns)
-        if (!column.baseColumn.empty()) columns.find(column.settings.key)->SetBaseColumn(columns.find(column.baseColumn));
+        if (!column.baseColumn.empty())
+            columns.find(column.settings.key)->SetBaseColumn(columns.find(column.baseColumn));
     for (const auto& stored : definition.filters) {
         const auto filter = query->filters_->append();
         filter->SetColumn(columns.find(stored.column));
@@ -317,7 +326,10 @@ ObjectRef Query::CellObject(int row, const QueryColumnRef& column) const
     return cells::sourceObject(rowAt(row).object, must(ownColumn(column)));
 }
 
-Variant Query::CellValue(int row, const QueryColumnRef& column) const { return valueOf(rowAt(row), must(ownColumn(column))); }
+Variant Query::CellValue(int row, const QueryColumnRef& column) const
+{
+    return valueOf(rowAt(row), must(ownColumn(column)));
+}
 
 std::string Query::CellText(int row, const QueryColumnRef& column) const { return cells::text(CellValue(row, column)); }
 

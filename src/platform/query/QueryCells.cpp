@@ -22,7 +22,9 @@ int boundIndex(const ColumnSettings& column) { return column.valueParameter == "
 ISpecification& attribute(IBaseObject& object, const ColumnSettings& column)
 {
     auto* spec = dynamic_cast<ISpecification*>(&object);
-    if (!spec) throw PlatformError(err::TypeMismatch, "column " + column.key + " shows no attribute for " + object.SystemFullName());
+    if (!spec)
+        throw PlatformError(err::TypeMismatch,
+                            "column " + column.key + " shows no attribute for " + object.SystemFullName());
     return *spec;
 }
 
@@ -90,8 +92,8 @@ Variant read(const ObjectRef& source, const ColumnSettings& column)
 
 void write(const ObjectRef& source, const ColumnSettings& column, const Variant& value)
 {
-    const bool attributeKind = column.valueKind == valuekind::DisplayValue || column.valueKind == valuekind::RangeBound ||
-                               column.valueKind == valuekind::Value;
+    const bool attributeKind = column.valueKind == valuekind::DisplayValue ||
+                               column.valueKind == valuekind::RangeBound || column.valueKind == valuekind::Value;
     if (!attributeKind && column.valueKind != valuekind::Name && column.valueKind != valuekind::Description)
         throw PlatformError(err::ReadOnly, "column " + column.key + " shows nothing that can be written");
     auto& target = must(source);
@@ -101,8 +103,10 @@ void write(const ObjectRef& source, const ColumnSettings& column, const Variant&
     if (column.valueKind == valuekind::Description) return target.SetDescription(newText);
     auto& spec = attribute(target, column);
     if (column.valueKind == valuekind::DisplayValue) return spec.SetValue(spec.ValueOfDisplayText(newText));
-    if (column.valueKind == valuekind::RangeBound) spec.SetXValue(boundIndex(column), newText);
-    else spec.SetValue(newText);
+    if (column.valueKind == valuekind::RangeBound)
+        spec.SetXValue(boundIndex(column), newText);
+    else
+        spec.SetValue(newText);
 }
 
 std::string text(const Variant& value)
@@ -110,8 +114,7 @@ std::string text(const Variant& value)
     return std::visit(Overloaded{[](std::monostate) { return std::string(); },
                                  [](bool b) { return std::string(b ? "1" : "0"); },
                                  [](std::int64_t n) { return std::to_string(n); },
-                                 [](double d) { return text::Str(d); },
-                                 [](const std::string& s) { return s; },
+                                 [](double d) { return text::Str(d); }, [](const std::string& s) { return s; },
                                  [](const ObjectRef& o) { return o ? o->Name() : std::string(); },
                                  [](const auto&) { return std::string(); }},
                       value.storage());
@@ -125,14 +128,13 @@ bool flag(const Variant& value)
 
 std::optional<double> number(const Variant& value, int numericMode)
 {
-    return std::visit(Overloaded{[](bool b) -> std::optional<double> { return b ? 1.0 : 0.0; },
-                                 [](std::int64_t n) -> std::optional<double> { return static_cast<double>(n); },
-                                 [](double d) -> std::optional<double> { return d; },
-                                 [numericMode](const std::string& s) {
-                                     return numericMode == 1 ? firstNumberIn(s) : wholeNumber(s);
-                                 },
-                                 [](const auto&) -> std::optional<double> { return std::nullopt; }},
-                      value.storage());
+    return std::visit(
+        Overloaded{[](bool b) -> std::optional<double> { return b ? 1.0 : 0.0; },
+                   [](std::int64_t n) -> std::optional<double> { return static_cast<double>(n); },
+                   [](double d) -> std::optional<double> { return d; },
+                   [numericMode](const std::string& s) { return numericMode == 1 ? firstNumberIn(s) : wholeNumber(s); },
+                   [](const auto&) -> std::optional<double> { return std::nullopt; }},
+        value.storage());
 }
 
 int compare(const Variant& a, const Variant& b, int numericMode)

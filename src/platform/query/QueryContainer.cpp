@@ -54,7 +54,8 @@ void TopQueryHolder::SetQueryOrg(const QueryRef& query)
 }
 
 QueryXObj::QueryXObj(const StoredQueryObject& stored)
-    : top_(std::make_shared<TopQueryHolder>(stored.queryOrg)), objectSet_(std::make_shared<ObjectSetNode>(stored.objectSet))
+    : top_(std::make_shared<TopQueryHolder>(stored.queryOrg)),
+      objectSet_(std::make_shared<ObjectSetNode>(stored.objectSet))
 {
 }
 

@@ -2,8 +2,8 @@
 
 #include "objectmodel/Errors.h"
 #include "objectmodel/JsonInput.h"
-#include "platform/query/QueryContainer.h"
 #include "platform/persistence/SqliteFile.h"
+#include "platform/query/QueryContainer.h"
 
 #include <nlohmann/json.hpp>
 
@@ -30,11 +30,14 @@ json valueJson(const Variant& value, const std::string& where)
             using T = std::decay_t<decltype(held)>;
             if constexpr (std::is_same_v<T, std::monostate>)
                 return nullptr;
-            else if constexpr (std::is_same_v<T, bool> || std::is_same_v<T, std::int64_t> || std::is_same_v<T, double> ||
-                               std::is_same_v<T, std::string>)
+            else if constexpr (std::is_same_v<T, bool> || std::is_same_v<T, std::int64_t> ||
+                               std::is_same_v<T, double> || std::is_same_v<T, std::string>)
                 return held;
             else
-                throw PlatformError(err::NotSupported, where + " has a filter value that is not a flag, number or text, which a database file cannot keep");
+                throw PlatformError(
+                    err::NotSupported,
+                    where +
+                        " has a filter value that is not a flag, number or text, which a database file cannot keep");
         },
         value.storage());
 }
@@ -75,9 +78,13 @@ json storedJson(const StoredQueryObject& stored, const std::string& where)
     for (const auto& column : stored.queryOrg.columns) columns.push_back(columnJson(column));
     json filters = json::array();
     for (const auto& filter : stored.queryOrg.filters)
-        filters.push_back({{"column", filter.column}, {"op", filter.op}, {"link", filter.link}, {"value", valueJson(filter.value, where)}});
+        filters.push_back({{"column", filter.column},
+                           {"op", filter.op},
+                           {"link", filter.link},
+                           {"value", valueJson(filter.value, where)}});
     json sorts = json::array();
-    for (const auto& sort : stored.queryOrg.sorts) sorts.push_back({{"column", sort.column}, {"direction", sort.direction}});
+    for (const auto& sort : stored.queryOrg.sorts)
+        sorts.push_back({{"column", sort.column}, {"direction", sort.direction}});
     return {{"columns", std::move(columns)},
             {"filters", std::move(filters)},
             {"sorts", std::move(sorts)},
@@ -173,7 +180,8 @@ class QueryContainerSection final : public FileSection {
 public:
     void createTables(const sqlite::Connection& file) const override
     {
-        file.exec("CREATE TABLE IF NOT EXISTS " + std::string(kTable) + "(device INTEGER PRIMARY KEY, stored TEXT NOT NULL)");
+        file.exec("CREATE TABLE IF NOT EXISTS " + std::string(kTable) +
+                  "(device INTEGER PRIMARY KEY, stored TEXT NOT NULL)");
     }
 
     void load(const sqlite::Connection& file, Database& database) override
@@ -189,7 +197,8 @@ public:
         while (rows.step()) {
             const auto device = devices.find(rows.integer(0));
             if (device == devices.end()) continue;
-            const auto what = "Database file " + file.path() + " is damaged: the stored query of " + device->second->SystemFullName();
+            const auto what =
+                "Database file " + file.path() + " is damaged: the stored query of " + device->second->SystemFullName();
             try {
                 registerQueryContainer(device->second, storedOf(parseJson(rows.text(1), what)));
             } catch (const json::exception& e) {

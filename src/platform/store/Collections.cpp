@@ -18,9 +18,11 @@ template <class T>
 std::shared_ptr<T> memberOf(const ObjectRef& object, std::string_view what)
 {
     auto member = std::dynamic_pointer_cast<T>(object);
-    if (!member) throw PlatformError(err::TypeMismatch, "the object cannot be added to a collection of " + std::string(what));
+    if (!member)
+        throw PlatformError(err::TypeMismatch, "the object cannot be added to a collection of " + std::string(what));
     if (member->owner() || member->IsDeleted())
-        throw PlatformError(err::InvalidCall, member->SystemFullName() + " already belongs elsewhere; detach or copy it first");
+        throw PlatformError(err::InvalidCall,
+                            member->SystemFullName() + " already belongs elsewhere; detach or copy it first");
     return member;
 }
 
@@ -66,7 +68,8 @@ ObjectRef FreeCollection::Item(std::string_view name) const
 
 int FreeCollection::IndexOf(const ObjectRef& object) const
 {
-    for (; indexed_ < items_.size(); ++indexed_) firstPosition_.emplace(items_[indexed_].get(), static_cast<int>(indexed_) + 1);
+    for (; indexed_ < items_.size(); ++indexed_)
+        firstPosition_.emplace(items_[indexed_].get(), static_cast<int>(indexed_) + 1);
     const auto found = firstPosition_.find(object.get());
     return found == firstPosition_.end() ? -1 : found->second;
 }
@@ -98,7 +101,8 @@ ObjectRef FreeCollection::CreateNewWithName(std::string_view)
 // ---- MemberCollection --------------------------------------------------
 
 MemberCollection::MemberCollection(std::shared_ptr<const StoredObject> owner, Kind kind)
-    : owner_(std::const_pointer_cast<StoredObject>(std::move(owner))), kind_(kind)
+    : owner_(std::const_pointer_cast<StoredObject>(std::move(owner))),
+      kind_(kind)
 {
 }
 
@@ -197,7 +201,8 @@ void MemberCollection::AddObject(const ObjectRef& object)
     if (kind_ == Kind::Tables || kind_ == Kind::Rows)
         throw PlatformError(err::NotSupported, "standard tables take new rows and tables only by CreateNewWithName");
     const auto name = must(object).Name();
-    if (nameTaken(name)) throw PlatformError(err::NameInUse, owner().SystemFullName() + " already has a member '" + name + "'");
+    if (nameTaken(name))
+        throw PlatformError(err::NameInUse, owner().SystemFullName() + " already has a member '" + name + "'");
     std::shared_ptr<StoredObject> member;
     if (kind_ == Kind::Children || kind_ == Kind::Elements)
         member = memberOf<Device>(object, "devices");
@@ -228,8 +233,7 @@ ObjectRef MemberCollection::Detach(const ObjectRef& object)
             parent->removeMember(*member);
             member->detach();
         },
-        [parent, member, at] { parent->insertMember(member, at); },
-        Notice::leaving(ChangeKind::Moved, member));
+        [parent, member, at] { parent->insertMember(member, at); }, Notice::leaving(ChangeKind::Moved, member));
     return object;
 }
 

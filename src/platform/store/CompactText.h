@@ -82,7 +82,8 @@ private:
             setInPlaceSize(text.size());
             return;
         }
-        if (text.size() > std::numeric_limits<std::uint32_t>::max()) throw std::length_error("a text of over 4 GB cannot be kept");
+        if (text.size() > std::numeric_limits<std::uint32_t>::max())
+            throw std::length_error("a text of over 4 GB cannot be kept");
         const auto size = static_cast<std::uint32_t>(text.size());
         char* data = std::allocator<char>().allocate(size);
         std::memcpy(data, text.data(), size);

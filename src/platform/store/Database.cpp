@@ -16,7 +16,8 @@ namespace {
 std::string upper(std::string_view text)
 {
     std::string out(text);
-    std::transform(out.begin(), out.end(), out.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    std::transform(out.begin(), out.end(), out.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     return out;
 }
 
@@ -110,8 +111,7 @@ std::uint64_t nextUniqueNumber() { return nextNumber++; }
 void reserveUniqueNumbers(std::uint64_t used)
 {
     auto next = nextNumber.load();
-    while (next <= used && !nextNumber.compare_exchange_weak(next, used + 1)) {
-    }
+    while (next <= used && !nextNumber.compare_exchange_weak(next, used + 1)) {}
 }
 
 namespace {
@@ -181,7 +181,8 @@ void UndoState::replay(const Step& step, bool backward)
 // ---- StoreProject ------------------------------------------------------
 
 StoreProject::StoreProject(std::string name, std::weak_ptr<Database> database)
-    : name_(std::move(name)), database_(std::move(database))
+    : name_(std::move(name)),
+      database_(std::move(database))
 {
 }
 
@@ -298,7 +299,8 @@ StoreWorkset::StoreWorkset(std::weak_ptr<Database> database)
 void StoreWorkset::SetCurrentProject(const ProjectRef& project)
 {
     auto store = std::dynamic_pointer_cast<StoreProject>(project);
-    if (project && !store) throw PlatformError(err::InvalidCall, "the current project must be a project of this database");
+    if (project && !store)
+        throw PlatformError(err::InvalidCall, "the current project must be a project of this database");
     current_ = std::move(store);
     if (!tools_) tools_ = std::make_shared<platform::LateBoundTools>(weak_from_this());
 }
@@ -321,7 +323,8 @@ void StoreWorkset::SetCurrentUndoState(const UndoStateRef& state)
 {
     auto undo = std::dynamic_pointer_cast<UndoState>(state);
     // Its steps hold this database's objects, and its replays stop this workset recording.
-    if (state && (!undo || undo->workset().get() != this)) throw PlatformError(err::InvalidCall, "an undo state must come from this workset");
+    if (state && (!undo || undo->workset().get() != this))
+        throw PlatformError(err::InvalidCall, "an undo state must come from this workset");
     undo_ = std::move(undo);
 }
 

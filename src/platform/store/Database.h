@@ -168,7 +168,10 @@ public:
     // The write gate's side: a change goes into the current undo state, which
     // records nothing while a replay runs, and is told to observers, if any.
     bool recording() const { return undo_ && !replaying_; }
-    void record(std::function<void()> redo, std::function<void()> undo) { undo_->record(action_, std::move(redo), std::move(undo)); }
+    void record(std::function<void()> redo, std::function<void()> undo)
+    {
+        undo_->record(action_, std::move(redo), std::move(undo));
+    }
     bool listened() const { return !observers_.empty(); }
     void announce(ChangeNotice notice);
     // Runs an undo state's replay as one action that is recorded nowhere.

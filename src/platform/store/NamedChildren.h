@@ -104,7 +104,8 @@ private:
     std::size_t positionOf(std::string_view name) const
     {
         if (slots_.empty()) {
-            const auto found = std::find_if(items_.begin(), items_.end(), [name](const auto& item) { return item->nameView() == name; });
+            const auto found = std::find_if(items_.begin(), items_.end(),
+                                            [name](const auto& item) { return item->nameView() == name; });
             return static_cast<std::size_t>(found - items_.begin());
         }
         const auto at = slots_[slotOf(name)];

@@ -11,7 +11,8 @@ namespace {
 template <class Made>
 std::shared_ptr<Made> make(std::string_view kindName, std::string_view kind)
 {
-    if (kindName != kind) throw PlatformError(err::CannotCreateObject, "cannot create an object of the class " + std::string(kindName));
+    if (kindName != kind)
+        throw PlatformError(err::CannotCreateObject, "cannot create an object of the class " + std::string(kindName));
     return std::make_shared<Made>();
 }
 }  // namespace

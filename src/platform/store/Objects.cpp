@@ -38,8 +38,8 @@ constexpr std::size_t kMaxInheritanceDepth = 256;
 
 [[noreturn]] void inheritsTooDeep(const StoredObject& holder)
 {
-    throw PlatformError(err::InvalidCall,
-                        holder.SystemFullName() + " inherits through more than " + std::to_string(kMaxInheritanceDepth) + " levels");
+    throw PlatformError(err::InvalidCall, holder.SystemFullName() + " inherits through more than " +
+                                              std::to_string(kMaxInheritanceDepth) + " levels");
 }
 
 [[noreturn]] void inheritsFromItself(const StoredObject& holder)
@@ -65,13 +65,16 @@ private:
 // ---- StoredObject ------------------------------------------------------
 
 StoredObject::StoredObject(std::string name, std::shared_ptr<StoreProject> project)
-    : name_(std::move(name)), project_(project)
+    : name_(std::move(name)),
+      project_(project)
 {
     setUniqueId(nextUniqueNumber());
 }
 
 StoredObject::StoredObject(const std::shared_ptr<StoredObject>& origin, const std::shared_ptr<StoredObject>& owner)
-    : name_(origin->name_), owner_(owner), project_(owner->project_)
+    : name_(origin->name_),
+      owner_(owner),
+      project_(owner->project_)
 {
     setUniqueId(nextUniqueNumber());
     setOrigin(origin);
@@ -125,7 +128,8 @@ void StoredObject::SetName(std::string_view name)
     const auto project = parent ? nullptr : storeProject();
     const auto rootOf = project && project->root(name_).get() == this ? project : nullptr;
     if ((parent && parent->memberNameTaken(*this, name)) || (rootOf && rootOf->root(name)))
-        throw PlatformError(err::NameInUse, "cannot rename " + SystemFullName() + ": the name '" + std::string(name) + "' is in use");
+        throw PlatformError(err::NameInUse,
+                            "cannot rename " + SystemFullName() + ": the name '" + std::string(name) + "' is in use");
     auto me = shared_from_this();
     const auto rename = [me, parent, rootOf](const std::string& from, const std::string& to) {
         if (parent) parent->renameMember(*me, from, to);
@@ -138,7 +142,10 @@ void StoredObject::SetName(std::string_view name)
 }
 
 std::string StoredObject::Description() const { return stored<StoredObject>().rare().description; }
-void StoredObject::SetDescription(std::string_view text) { assign(editRare().description, std::string(text), "Description"); }
+void StoredObject::SetDescription(std::string_view text)
+{
+    assign(editRare().description, std::string(text), "Description");
+}
 std::string StoredObject::XmlText() const { return stored<StoredObject>().rare().xml; }
 void StoredObject::SetXmlText(std::string_view text) { assign(editRare().xml, std::string(text), "XmlText"); }
 
@@ -151,7 +158,8 @@ WorksetRef StoredObject::Workset() const
 void StoredObject::setUniqueId(std::uint64_t id)
 {
     constexpr std::uint64_t kMask = (std::uint64_t{1} << kUniqueNumberBits) - 1;
-    if (id & ~kMask) throw PlatformError(err::Configuration, "unique number " + std::to_string(id) + " is out of range");
+    if (id & ~kMask)
+        throw PlatformError(err::Configuration, "unique number " + std::to_string(id) + " is out of range");
     id_ = id & kMask;
 }
 
@@ -208,8 +216,15 @@ void StoredObject::write(const std::function<void()>& apply, std::function<void(
     if (!workset || !workset->recording()) return;
     // Undo and redo change the object as much as the write did.
     auto me = shared_from_this();
-    workset->record([me, apply, notice] { apply(); me->changed(notice); },
-                    [me, revert = std::move(revert), inverse = notice.inverse()] { revert(); me->changed(inverse); });
+    workset->record(
+        [me, apply, notice] {
+            apply();
+            me->changed(notice);
+        },
+        [me, revert = std::move(revert), inverse = notice.inverse()] {
+            revert();
+            me->changed(inverse);
+        });
 }
 
 void StoredObject::changed(const Notice& notice)
@@ -219,12 +234,15 @@ void StoredObject::changed(const Notice& notice)
     const auto database = project ? project->database() : nullptr;
     if (!database) return;
     database->noteChange(shared_from_this());
-    if (const auto workset = database->workset(); workset->listened()) workset->announce(notice.toldBy(shared_from_this()));
+    if (const auto workset = database->workset(); workset->listened())
+        workset->announce(notice.toldBy(shared_from_this()));
 }
 
 Notice Notice::inverse() const
 {
-    const auto undone = kind == ChangeKind::Created ? ChangeKind::Deleted : kind == ChangeKind::Deleted ? ChangeKind::Created : kind;
+    const auto undone = kind == ChangeKind::Created   ? ChangeKind::Deleted
+                        : kind == ChangeKind::Deleted ? ChangeKind::Created
+                                                      : kind;
     return {undone, property, member, !joins};
 }
 
@@ -532,17 +550,22 @@ void SpecHolder::markDeleted(bool deleted)
 // ---- Device ------------------------------------------------------------
 
 Device::Device(std::string name, std::shared_ptr<StoreProject> project, bool root)
-    : SpecHolder(std::move(name), std::move(project)), root_(root)
+    : SpecHolder(std::move(name), std::move(project)),
+      root_(root)
 {
 }
 
 Device::Device(const std::shared_ptr<Device>& origin, const std::shared_ptr<StoredObject>& owner)
-    : SpecHolder(origin, owner), cdevice_(origin)
+    : SpecHolder(origin, owner),
+      cdevice_(origin)
 {
 }
 
 Device::Device(const Device& other)
-    : IBaseObject(other), SpecHolder(other), IDevice(other), cdevice_(other.CDevice() ? std::dynamic_pointer_cast<Device>(other.CDevice()) : nullptr),
+    : IBaseObject(other),
+      SpecHolder(other),
+      IDevice(other),
+      cdevice_(other.CDevice() ? std::dynamic_pointer_cast<Device>(other.CDevice()) : nullptr),
       createOption_(other.CreateOption())
 {
     for (const auto& child : other.children_.items()) children_.append(std::make_shared<Device>(*child));
@@ -628,7 +651,9 @@ DeviceRef Device::CDevice() const { return cdevice_; }
 void Device::SetCDevice(const DeviceRef& base)
 {
     auto next = std::dynamic_pointer_cast<Device>(base);
-    if (base && !next) throw PlatformError(err::InvalidCall, "the base object of " + SystemFullName() + " must be a device of this database");
+    if (base && !next)
+        throw PlatformError(err::InvalidCall,
+                            "the base object of " + SystemFullName() + " must be a device of this database");
     std::size_t depth = 0;
     for (auto step = next; step; step = step->cdevice_) {
         if (step.get() == this)
@@ -638,7 +663,8 @@ void Device::SetCDevice(const DeviceRef& base)
     }
     if (next) {
         const Tentative linked(cdevice_, next);
-        next->refuseInheritanceCircles("linking " + SystemFullName() + " to " + base->SystemFullName() + " would close a circle");
+        next->refuseInheritanceCircles("linking " + SystemFullName() + " to " + base->SystemFullName() +
+                                       " would close a circle");
     }
     assign(cdevice_, next, "CDevice");
     childProxies_.clear();
@@ -754,7 +780,10 @@ Specification::Specification(const Specification& other) : IBaseObject(other), S
     copyStoredFields(other.stored<Specification>());
 }
 
-std::shared_ptr<Specification> Specification::create(std::string name) { return std::make_shared<Specification>(std::move(name)); }
+std::shared_ptr<Specification> Specification::create(std::string name)
+{
+    return std::make_shared<Specification>(std::move(name));
+}
 
 void Specification::copyStoredFields(const Specification& from)
 {
@@ -844,12 +873,16 @@ std::string Specification::ValueType() const { return std::string(1, stored<Spec
 void Specification::SetValueType(std::string_view type)
 {
     if (type.size() != 1 || (type != "A" && type != "N" && type != "C"))
-        throw PlatformError(err::InvalidCall, "value type of " + SystemFullName() + " must be A, N or C, not '" + std::string(type) + "'");
+        throw PlatformError(err::InvalidCall, "value type of " + SystemFullName() + " must be A, N or C, not '" +
+                                                  std::string(type) + "'");
     assign(type_, type[0], "ValueType");
 }
 
 std::string Specification::InheritMode() const { return extras().inheritMode; }
-void Specification::SetInheritMode(std::string_view mode) { assign(editExtras().inheritMode, std::string(mode), "InheritMode"); }
+void Specification::SetInheritMode(std::string_view mode)
+{
+    assign(editExtras().inheritMode, std::string(mode), "InheritMode");
+}
 
 std::string Specification::Value() const
 {
@@ -869,7 +902,9 @@ void Specification::SetValue(std::string_view value)
 
 void Specification::SetLanguageValue(int languageIndex, std::string_view value)
 {
-    if (languageIndex < 1) throw PlatformError(err::SubscriptOutOfRange, "language index " + std::to_string(languageIndex) + " is out of range");
+    if (languageIndex < 1)
+        throw PlatformError(err::SubscriptOutOfRange,
+                            "language index " + std::to_string(languageIndex) + " is out of range");
     checkWritable();
     auto texts = editExtras().languageValues;
     if (texts.size() < static_cast<std::size_t>(languageIndex)) texts.resize(static_cast<std::size_t>(languageIndex));
@@ -898,7 +933,8 @@ ObjectRef Specification::StandardTable() const { return extras().table; }
 void Specification::SetStandardTable(const ObjectRef& table)
 {
     auto next = std::dynamic_pointer_cast<platform::StandardTable>(table);
-    if (table && !next) throw PlatformError(err::InvalidCall, "the value list of " + SystemFullName() + " must be a standard table");
+    if (table && !next)
+        throw PlatformError(err::InvalidCall, "the value list of " + SystemFullName() + " must be a standard table");
     assign(editExtras().table, next, "StandardTable");
 }
 
@@ -913,7 +949,10 @@ CollectionRef Specification::Specifications() const
 }
 
 std::string Specification::ControlType() const { return extras().controlType; }
-void Specification::SetControlType(std::string_view type) { assign(editExtras().controlType, std::string(type), "ControlType"); }
+void Specification::SetControlType(std::string_view type)
+{
+    assign(editExtras().controlType, std::string(type), "ControlType");
+}
 std::string Specification::ControlProperties() const { return extras().controlProperties; }
 void Specification::SetControlProperties(std::string_view text)
 {
@@ -928,7 +967,8 @@ SpecRef Specification::InheritedChapter() const { return extras().inheritedChapt
 void Specification::InheritFrom(const SpecRef& chapter)
 {
     auto next = std::dynamic_pointer_cast<Specification>(chapter);
-    if (chapter && !next) throw PlatformError(err::InvalidCall, SystemFullName() + " can inherit only from a chapter of this database");
+    if (chapter && !next)
+        throw PlatformError(err::InvalidCall, SystemFullName() + " can inherit only from a chapter of this database");
     if (next) {
         const Tentative linked(editExtras().inheritedChapter, next);
         next->refuseInheritanceCircles(SystemFullName() + " cannot inherit from " + chapter->SystemFullName());
@@ -940,12 +980,15 @@ void Specification::InheritFrom(const SpecRef& chapter)
 std::string Specification::GetXValue(int index) const
 {
     const auto& values = extras().xValues;
-    return index >= 0 && static_cast<std::size_t>(index) < values.size() ? values[static_cast<std::size_t>(index)] : std::string();
+    return index >= 0 && static_cast<std::size_t>(index) < values.size() ? values[static_cast<std::size_t>(index)]
+                                                                         : std::string();
 }
 
 bool Specification::SetXValue(int index, std::string_view value)
 {
-    if (index < 0) throw PlatformError(err::SubscriptOutOfRange, "indexed value " + std::to_string(index) + " of " + SystemFullName());
+    if (index < 0)
+        throw PlatformError(err::SubscriptOutOfRange,
+                            "indexed value " + std::to_string(index) + " of " + SystemFullName());
     checkWritable();
     auto values = editExtras().xValues;
     if (values.size() <= static_cast<std::size_t>(index)) values.resize(static_cast<std::size_t>(index) + 1);
@@ -1049,7 +1092,8 @@ std::shared_ptr<platform::StandardValue> StandardTable::rowWithValue(std::string
 
 std::shared_ptr<StandardTable> StandardTable::createChild(std::string_view name)
 {
-    if (tables_.contains(name)) throw PlatformError(err::NameInUse, SystemFullName() + " already has a table '" + std::string(name) + "'");
+    if (tables_.contains(name))
+        throw PlatformError(err::NameInUse, SystemFullName() + " already has a table '" + std::string(name) + "'");
     auto table = create(std::string(name), storeProject());
     adopt(table);
     return table;
@@ -1057,7 +1101,8 @@ std::shared_ptr<StandardTable> StandardTable::createChild(std::string_view name)
 
 std::shared_ptr<platform::StandardValue> StandardTable::createRow(std::string_view name)
 {
-    if (rows_.contains(name)) throw PlatformError(err::NameInUse, SystemFullName() + " already has a row '" + std::string(name) + "'");
+    if (rows_.contains(name))
+        throw PlatformError(err::NameInUse, SystemFullName() + " already has a row '" + std::string(name) + "'");
     auto row = std::make_shared<platform::StandardValue>(std::string(name));
     adopt(row);
     return row;

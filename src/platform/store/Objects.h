@@ -88,8 +88,14 @@ struct Notice {
     bool joins = false;
 
     static Notice changed(std::string_view property) { return {ChangeKind::Changed, property, nullptr, false}; }
-    static Notice joining(ChangeKind kind, std::shared_ptr<StoredObject> member) { return {kind, {}, std::move(member), true}; }
-    static Notice leaving(ChangeKind kind, std::shared_ptr<StoredObject> member) { return {kind, {}, std::move(member), false}; }
+    static Notice joining(ChangeKind kind, std::shared_ptr<StoredObject> member)
+    {
+        return {kind, {}, std::move(member), true};
+    }
+    static Notice leaving(ChangeKind kind, std::shared_ptr<StoredObject> member)
+    {
+        return {kind, {}, std::move(member), false};
+    }
     // What undoing the change does.
     Notice inverse() const;
     // The change as observers learn it.
@@ -156,7 +162,8 @@ public:
     {
         T old = field;
         auto self = shared_from_this();
-        write([self, &field, value] { field = value; }, [self, &field, old] { field = old; }, Notice::changed(property));
+        write([self, &field, value] { field = value; }, [self, &field, old] { field = old; },
+              Notice::changed(property));
     }
 
 protected:

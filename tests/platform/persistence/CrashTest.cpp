@@ -194,7 +194,9 @@ private:
     static constexpr sqlite3_io_methods kMethods = {
         2,
         [](sqlite3_file* f) { return methods(f).xClose(of(f)); },
-        [](sqlite3_file* f, void* data, int amount, sqlite3_int64 offset) { return methods(f).xRead(of(f), data, amount, offset); },
+        [](sqlite3_file* f, void* data, int amount, sqlite3_int64 offset) {
+            return methods(f).xRead(of(f), data, amount, offset);
+        },
         &FullDisk::write,
         [](sqlite3_file* f, sqlite3_int64 size) { return methods(f).xTruncate(of(f), size); },
         [](sqlite3_file* f, int flags) { return methods(f).xSync(of(f), flags); },
@@ -206,7 +208,9 @@ private:
         [](sqlite3_file* f) { return methods(f).xSectorSize(of(f)); },
         [](sqlite3_file* f) { return methods(f).xDeviceCharacteristics(of(f)); },
         &FullDisk::mapIndex,
-        [](sqlite3_file* f, int offset, int count, int flags) { return methods(f).xShmLock(of(f), offset, count, flags); },
+        [](sqlite3_file* f, int offset, int count, int flags) {
+            return methods(f).xShmLock(of(f), offset, count, flags);
+        },
         [](sqlite3_file* f) { methods(f).xShmBarrier(of(f)); },
         [](sqlite3_file* f, int remove) { return methods(f).xShmUnmap(of(f), remove); },
         nullptr,

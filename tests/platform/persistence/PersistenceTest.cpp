@@ -2,12 +2,12 @@
 // only what changed and removes what was deleted, and a file that is not
 // ours, too new, damaged or not to be written is refused without a write.
 
+#include "platform/persistence/Persistence.h"
 #include "objectmodel/ExpectError.h"
 #include "platform/JsonProject.h"
-#include "platform/persistence/Persistence.h"
+#include "platform/persistence/SqliteFile.h"
 #include "platform/query/Query.h"
 #include "platform/query/QueryContainer.h"
-#include "platform/persistence/SqliteFile.h"
 #include "support/DatabaseComparison.h"
 #include "support/TempDirectory.h"
 #include "support/World.h"
@@ -43,8 +43,9 @@ std::string bytesOf(const std::filesystem::path& file)
 // different value kinds, a sort and grid settings two levels deep.
 platform::StoredQueryObject richStoredQuery()
 {
-    platform::ColumnSettings code{"FunctionCode", "~010fd Funktionscode", 9, false, true, valuekind::Value, "GD.VFCD",
-                                  sourcekind::Attribute, "GD", true, 2, false, true, extendedkind::Value, true, false, 3};
+    platform::ColumnSettings code{"FunctionCode", "~010fd Funktionscode", 9,    false, true, valuekind::Value,
+                                  "GD.VFCD",      sourcekind::Attribute,  "GD", true,  2,    false,
+                                  true,           extendedkind::Value,    true, false, 3};
     platform::ColumnSettings description;
     description.key = "FunctionCodeDesc";
     description.valueKind = valuekind::DisplayValue;
@@ -156,13 +157,16 @@ TEST_F(PersistenceTest, WhatIsSavedComesBackObjectByObject)
     EXPECT_EQ(reopened.nameOverrides(), R"({"GD":{"VFCD":"VFCD"}})");
     // The link to an inherited attribute finds the same kind of object again.
     const auto pipeClass = asDevice(database.objectByFullName("PLANT:@20|PIPECLASSES|PC-A1", nullptr));
-    const auto link = must(std::dynamic_pointer_cast<platform::Specification>(must(pipeClass).Spec("E3D.Inherited"))).link();
+    const auto link =
+        must(std::dynamic_pointer_cast<platform::Specification>(must(pipeClass).Spec("E3D.Inherited"))).link();
     EXPECT_TRUE(must(link).SystemTemporary());
     // The cache of pipe-class entries starts empty.
     EXPECT_EQ(database.workset()->globals()->getOption(64).map()->Count(), 0);
     // New objects do not take the numbers of loaded ones.
     const auto fresh = world.device(pipeClass, "002");
-    const auto number = [](const DeviceRef& device) { return must(std::dynamic_pointer_cast<platform::StoredObject>(device)).uniqueNumber(); };
+    const auto number = [](const DeviceRef& device) {
+        return must(std::dynamic_pointer_cast<platform::StoredObject>(device)).uniqueNumber();
+    };
     EXPECT_GT(number(fresh), number(world.flange));
 }
 
@@ -171,17 +175,20 @@ TEST_F(PersistenceTest, StoredQueriesComeBackWithTheirContainers)
     RichWorld world;
     auto saved = ProjectFile::create(file, world.database());
     const auto containerIn = [](const ProjectFile& project) {
-        return platform::queryContainerOf(project.database()->objectByFullName("PLANT:@20|PIPECLASSES|TQContainer001", nullptr));
+        return platform::queryContainerOf(
+            project.database()->objectByFullName("PLANT:@20|PIPECLASSES|TQContainer001", nullptr));
     };
     const auto definitionIn = [&](const ProjectFile& project) {
-        return dynamic_cast<const platform::Query&>(*must(containerIn(project)->XObj()).TopQuery()->QueryOrg()).definition();
+        return dynamic_cast<const platform::Query&>(*must(containerIn(project)->XObj()).TopQuery()->QueryOrg())
+            .definition();
     };
     {
         const auto reopened = ProjectFile::open(file);
         EXPECT_THAT(differences(*world.database(), *reopened.database()), IsEmpty());
         EXPECT_EQ(definitionIn(reopened), richStoredQuery().queryOrg);
         EXPECT_EQ(*must(containerIn(reopened)->XObj()).ObjectSet(), richStoredQuery().objectSet);
-        EXPECT_FALSE(platform::queryContainerOf(reopened.database()->objectByFullName("PLANT:@20|PIPECLASSES|TQContainer002", nullptr))
+        EXPECT_FALSE(platform::queryContainerOf(
+                         reopened.database()->objectByFullName("PLANT:@20|PIPECLASSES|TQContainer002", nullptr))
                          ->HasXObj())
             << "a container without an attached object stays without";
     }
@@ -230,16 +237,19 @@ TEST_F(PersistenceTest, TheComparisonSeesADifference)
     reopened.database()->project("BASE")->setAccessRights(1);
     must(must(flange).Spec("CONN.DN1")).SetValue("150");
 
-    EXPECT_THAT(differences(*world.database(), *reopened.database()),
-                testing::UnorderedElementsAre(HasSubstr("BASE:@40|CAT|FLANGES|FL-WN#CONN.DN1: value is '150', expected '100'"),
-                                     HasSubstr("access rights")));
+    EXPECT_THAT(
+        differences(*world.database(), *reopened.database()),
+        testing::UnorderedElementsAre(HasSubstr("BASE:@40|CAT|FLANGES|FL-WN#CONN.DN1: value is '150', expected '100'"),
+                                      HasSubstr("access rights")));
 }
 
 TEST_F(PersistenceTest, ASaveWritesOnlyWhatChangedAndRemovesWhatWasDeleted)
 {
     RichWorld world;
     auto saved = ProjectFile::create(file, world.database());
-    const auto reopenedEqualsMemory = [&] { return differences(*world.database(), *ProjectFile::open(file).database()); };
+    const auto reopenedEqualsMemory = [&] {
+        return differences(*world.database(), *ProjectFile::open(file).database());
+    };
 
     EXPECT_EQ(saved.save().written, 0u);
 
@@ -316,7 +326,8 @@ TEST_F(PersistenceTest, AFileThatIsNotOursTooNewOrDamagedIsRefusedAndLeftAsItWas
     ProjectFile::create(file, world.database());
     const auto newer = directory / "newer.pspec";
     std::filesystem::copy_file(file, newer);
-    platform::sqlite::Connection::open(newer, platform::sqlite::Connection::Mode::ReadWrite).exec("PRAGMA user_version = 99");
+    platform::sqlite::Connection::open(newer, platform::sqlite::Connection::Mode::ReadWrite)
+        .exec("PRAGMA user_version = 99");
     EXPECT_EQ(refused(newer), err::Configuration);
     try {
         ProjectFile::open(newer);
@@ -349,13 +360,16 @@ TEST_F(PersistenceTest, AFileThatIsNotOursTooNewOrDamagedIsRefusedAndLeftAsItWas
     const std::string lastDevice = "(SELECT max(id) FROM objects WHERE kind = 2)";
     EXPECT_THAT(damagedBy("self.pspec", "UPDATE objects SET owner = id WHERE id = " + firstDevice),
                 HasSubstr("self.pspec is damaged: object"));
-    EXPECT_THAT(damagedBy("circle.pspec", "UPDATE objects SET owner = " + lastDevice + " WHERE id = " + firstDevice + ";" +
-                                              "UPDATE objects SET owner = " + firstDevice + " WHERE id = " + lastDevice),
+    EXPECT_THAT(damagedBy("circle.pspec", "UPDATE objects SET owner = " + lastDevice + " WHERE id = " + firstDevice +
+                                              ";" + "UPDATE objects SET owner = " + firstDevice +
+                                              " WHERE id = " + lastDevice),
                 HasSubstr("its owners go round in a circle"));
-    EXPECT_THAT(damagedBy("deep.pspec", "WITH RECURSIVE chain(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM chain WHERE n < 100000) "
-                                        "INSERT INTO objects(name, id, kind, project, owner, position) "
-                                        "SELECT 'D' || n, 10000000 + n, 2, 'PLANT', 10000000 + n - 1, 0 FROM chain;"
-                                        "UPDATE objects SET owner = " + firstDevice + " WHERE id = 10000001"),
+    EXPECT_THAT(damagedBy("deep.pspec",
+                          "WITH RECURSIVE chain(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM chain WHERE n < 100000) "
+                          "INSERT INTO objects(name, id, kind, project, owner, position) "
+                          "SELECT 'D' || n, 10000000 + n, 2, 'PLANT', 10000000 + n - 1, 0 FROM chain;"
+                          "UPDATE objects SET owner = " +
+                              firstDevice + " WHERE id = 10000001"),
                 HasSubstr("deep.pspec is damaged: its objects nest deeper than 256 levels"));
     EXPECT_THAT(damagedBy("link.pspec", "UPDATE objects SET link = '99999999999999999999|001#GD.X' WHERE kind = 3"),
                 HasSubstr("link.pspec is damaged: a link names object 99999999999999999999"));
@@ -368,7 +382,8 @@ TEST_F(PersistenceTest, AFileThatIsNotOursTooNewOrDamagedIsRefusedAndLeftAsItWas
     // A row without a value is not damaged: it reads as an empty value.
     const auto noValue = directory / "no-value.pspec";
     std::filesystem::copy_file(file, noValue);
-    platform::sqlite::Connection::open(noValue, platform::sqlite::Connection::Mode::ReadWrite).exec("UPDATE objects SET value = NULL WHERE kind = 5");
+    platform::sqlite::Connection::open(noValue, platform::sqlite::Connection::Mode::ReadWrite)
+        .exec("UPDATE objects SET value = NULL WHERE kind = 5");
     const auto opened = ProjectFile::open(noValue);
     EXPECT_EQ(must(must(opened.database()->project("BASE")->tableRoot()->child("DN")).row("50")).Value(), "");
 
@@ -422,7 +437,9 @@ TEST_F(PersistenceTest, WhatMayNotBeWrittenIsNeverWritten)
     plant->setAccessRights(1);
     writable.save();
     // Closed, the database is one file again.
-    { const auto closed = std::move(writable); }
+    {
+        const auto closed = std::move(writable);
+    }
     EXPECT_FALSE(std::filesystem::exists(log));
     EXPECT_EQ(ProjectFile::open(file).database()->project("BASE")->AccessRights(), 0);
 }

@@ -40,7 +40,8 @@ struct DropWorld : support::World {
     {
         int number = 2;
         for (const auto& component : components) {
-            const auto element = device(pipeClassA1, "00" + std::to_string(number++), {{"GD.Source", component->Name()}});
+            const auto element =
+                device(pipeClassA1, "00" + std::to_string(number++), {{"GD.Source", component->Name()}});
             element->SetCDevice(component);
         }
         attribute(pipeClassA1, "GD.Elements", "4");
@@ -95,7 +96,8 @@ TEST_F(UndoAcrossSessions, ADropOfElementsIsTakenBackWholeAndPutBackWhole)
         EXPECT_FALSE(session.redo());
         EXPECT_EQ(session.undoSteps(), 1u);
     }
-    EXPECT_THAT(differences(*dropped.database(), *snapshot().database()), IsEmpty()) << "the same objects, ids included";
+    EXPECT_THAT(differences(*dropped.database(), *snapshot().database()), IsEmpty())
+        << "the same objects, ids included";
 }
 
 TEST_F(UndoAcrossSessions, ANewChangeDropsWhatCouldBeRedoneAndEachStepIsTakenInTurn)

@@ -3,9 +3,9 @@
 // Refresh reads no more cells than filters and sorts need; and the query
 // containers that store a query with its grid settings.
 
+#include "platform/query/Query.h"
 #include "objectmodel/ExpectError.h"
 #include "platform/query/HeadlessGrid.h"
-#include "platform/query/Query.h"
 #include "platform/query/QueryContainer.h"
 #include "platform/query/QueryFixture.h"
 

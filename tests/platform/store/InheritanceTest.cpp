@@ -226,7 +226,8 @@ TEST(Inheritance, ChainsDeeperThanAWalkMayGoAreRefused)
     // Linked from the top down, the chain is refused once it grows too deep.
     const auto topDown = devices("T");
     long refused = 0;
-    for (auto i = topDown.size() - 1; i > 0 && !refused; --i) refused = errorNumber([&] { topDown[i - 1]->SetCDevice(topDown[i]); });
+    for (auto i = topDown.size() - 1; i > 0 && !refused; --i)
+        refused = errorNumber([&] { topDown[i - 1]->SetCDevice(topDown[i]); });
     EXPECT_EQ(refused, err::InvalidCall);
     // Linked from the bottom up, each link looks short; a walk down the whole
     // chain stops with an error instead of going on.

@@ -2,8 +2,8 @@
 // both trade a little code for memory, and a slip in either would lose or
 // confuse members without any other test noticing at once.
 
-#include "platform/store/CompactText.h"
 #include "platform/store/NamedChildren.h"
+#include "platform/store/CompactText.h"
 
 #include <gtest/gtest.h>
 
@@ -47,7 +47,9 @@ TEST(NamedChildren, LookUpsFollowEveryInsertEraseAndRenameAcrossTheIndexThreshol
     for (int round = 0; round < 1500; ++round) {
         const bool growing = round < 900;
         const auto size = expected.size();
-        const auto pick = [&](std::size_t bound) { return std::uniform_int_distribution<std::size_t>(0, bound)(random); };
+        const auto pick = [&](std::size_t bound) {
+            return std::uniform_int_distribution<std::size_t>(0, bound)(random);
+        };
         const auto action = pick(9);
         if (size == 0 || (growing && action < 6)) {
             const auto at = pick(size);
@@ -89,7 +91,8 @@ TEST(NamedChildren, AppendingAndTakingTheLastOutKeepPositions)
 
 TEST(CompactText, KeepsShortAndLongTextsThroughCopiesAndMoves)
 {
-    for (const auto& text : std::vector<std::string>{"", "A", "VFCD", "fifteen chars!!", "sixteen chars!!!", std::string(300, 'x')}) {
+    for (const auto& text :
+         std::vector<std::string>{"", "A", "VFCD", "fifteen chars!!", "sixteen chars!!!", std::string(300, 'x')}) {
         const CompactText kept(text);
         EXPECT_EQ(kept.view(), text);
         EXPECT_TRUE(kept == text);

@@ -106,7 +106,8 @@ TEST(Store, CopyIsAnUnownedDeepCopyThatAddObjectPutsElsewhere)
     EXPECT_EQ(copy->Owner(), target);
     EXPECT_EQ(world.plant()->ObjectByPath("@20|PC2|PC1|E1", 2), copiedElement);
     EXPECT_EQ(copiedElement->Spec("GD.VFCD")->SystemFullName(), "PLANT:@20|PC2|PC1|E1#GD.VFCD");
-    EXPECT_EQ(errorNumber([&] { source->OwnElements()->AddObject(copy); }), err::InvalidCall) << "it belongs to PC2 now";
+    EXPECT_EQ(errorNumber([&] { source->OwnElements()->AddObject(copy); }), err::InvalidCall)
+        << "it belongs to PC2 now";
     EXPECT_EQ(errorNumber([&] { target->OwnElements()->AddObject(source->Copy()); }), err::NameInUse);
     EXPECT_EQ(errorNumber([&] { target->OwnElements()->AddObject(copy->Spec("GD")->Copy()); }), err::TypeMismatch);
 }
@@ -217,7 +218,8 @@ TEST(StandardTables, RowsSubTablesPathsAndShownValues)
     const World world;
     const auto top = asTable(world.base()->StandardTables()->CreateNewWithName("@3D"));
     ASSERT_TRUE(top);
-    const auto folder = asTable(asTable(top->Children()->CreateNewWithName("00"))->Children()->CreateNewWithName("PDMS"));
+    const auto folder =
+        asTable(asTable(top->Children()->CreateNewWithName("00"))->Children()->CreateNewWithName("PDMS"));
     const auto state = asTable(folder->Children()->CreateNewWithName("STATE"));
     const auto addRow = [&](const std::string& name, const std::string& value, const std::string& description) {
         const auto row = state->Values()->CreateNewWithName(name);

@@ -19,7 +19,8 @@ using testing::IsEmpty;
 // Everything a caller can read of a device or table tree, inherited parts included.
 void describe(const ObjectRef& object, const std::string& indent, std::string& out)
 {
-    out += indent + object->Name() + (object->SystemTemporary() ? " (inherited)" : "") + " '" + object->Description() + "'";
+    out += indent + object->Name() + (object->SystemTemporary() ? " (inherited)" : "") + " '" + object->Description() +
+           "'";
     if (const auto spec = asSpec(object)) {
         out += " = " + spec->Value() + " mode " + spec->InheritMode();
         if (const auto link = spec->LinkObject()) out += " -> " + link->SystemFullName();
@@ -200,7 +201,8 @@ TEST(Undo, EachActionIsOneStepTakenBackAndPutBackInTurn)
     EXPECT_EQ(undo->undoSteps(), 1U);
 
     const auto elsewhere = platform::Database::create();
-    EXPECT_EQ(errorNumber([&] { workset->SetCurrentUndoState(elsewhere->workset()->NewUndoState()); }), err::InvalidCall);
+    EXPECT_EQ(errorNumber([&] { workset->SetCurrentUndoState(elsewhere->workset()->NewUndoState()); }),
+              err::InvalidCall);
 }
 
 TEST(Undo, AReplayThatFailsIsTakenBackWholeAndRecordingGoesOn)
@@ -294,7 +296,8 @@ TEST(Undo, ObserversHearEachActionWhenItEndsAndUndoAndRedoAlike)
     EXPECT_EQ(heard(), action);
 
     a->SetDescription("alone");
-    EXPECT_THAT(heard(), ElementsAre("begin", "Changed A Description", "end")) << "a change outside any bracket is an action";
+    EXPECT_THAT(heard(), ElementsAre("begin", "Changed A Description", "end"))
+        << "a change outside any bracket is an action";
     EXPECT_EQ(errorNumber([&] { workset->EndAction(); }), err::InvalidCall);
 }
 
