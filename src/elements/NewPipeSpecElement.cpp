@@ -94,6 +94,29 @@ SpecRef makeNameRangeChapter(const DeviceRef& element, const DeviceRef& mPipeCla
     if (inCurrentProject(sourceChapter)) chapter->InheritFrom(source);
     return chapter;
 }
+
+// The element's name-range chapter, made or made persistent, with its minimum
+// and maximum worked out; the catalogue owner when making the chapter found it.
+DeviceRef prepareNameRange(const DeviceRef& element, const DeviceRef& mPipeClass, Trace& trace)
+{
+    const auto& names = diagnostics::names();
+    DeviceRef CatalogOwner;
+    auto chapter = asSpec(element->Specs()->Item(names.NameRange()));
+    if (!chapter)
+        chapter = makeNameRangeChapter(element, mPipeClass, CatalogOwner, trace);
+    else if (chapter->SystemTemporary())
+        chapter->MakePersistent();
+    trace.object("NameRangeChapter", chapter);
+    if (chapter) {
+        trace.text("NameRangeChapter.SystemTemporary = " + boolText(chapter->SystemTemporary()));
+        // Minimum, then maximum.
+        chapter->RefreshSpecs();
+        CalcMinMaxSpec(chapter, names.NameRangeLowerAttr(), mPipeClass);
+        CalcMinMaxSpec(chapter, names.NameRangeUpperAttr(), mPipeClass);
+    }
+    return CatalogOwner;
+}
+
 }  // namespace
 
 void DropCachedEntry(IGlobals& globals, const DeviceRef& pipeClass)
@@ -192,28 +215,12 @@ DeviceRef NewPipeSpecElement(DeviceRef CDevObject, const DeviceRef& mPipeClass, 
             return trace.leaveText("cDevObject is a pipe class");
         }
 
-        // The name-range chapter.
-        const auto& names = diagnostics::names();
-        DeviceRef CatalogOwner;
-        auto chapter = asSpec(element->Specs()->Item(names.NameRange()));
-        if (!chapter)
-            chapter = makeNameRangeChapter(element, mPipeClass, CatalogOwner, trace);
-        else if (chapter->SystemTemporary())
-            chapter->MakePersistent();
-        trace.object("NameRangeChapter", chapter);
-        if (chapter) {
-            trace.text("NameRangeChapter.SystemTemporary = " + boolText(chapter->SystemTemporary()));
-            // Minimum, then maximum.
-            chapter->RefreshSpecs();
-            CalcMinMaxSpec(chapter, names.NameRangeLowerAttr(), mPipeClass);
-            CalcMinMaxSpec(chapter, names.NameRangeUpperAttr(), mPipeClass);
-        }
-
+        DeviceRef CatalogOwner = prepareNameRange(element, mPipeClass, trace);
         sharedPCOMRange().InitNDRange(element, mPipeClass);
 
         // Classes for the outside design system: the element may pull further
         // elements in, and a cancelled selector choice may delete it again.
-        if (mPipeClass->Spec(names.PDMS())) {
+        if (mPipeClass->Spec(diagnostics::names().PDMS())) {
             if (!CatalogOwner) InitCatalogOwner(CatalogOwner, element, mPipeClass);
             UpdatePDMSSpecComp(element, mPipeClass, RecursiveCall, groupId, InteractiveImportObject, CatalogOwner);
             if (element->IsDeleted() || element->IsMarkedDeleted())
