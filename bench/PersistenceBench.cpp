@@ -103,7 +103,7 @@ void BM_PersistRawBulkInsert(benchmark::State& state)
     for (auto _ : state) {
         std::filesystem::remove(path);
         const auto file = Connection::open(path, Connection::Mode::Create);
-        // The file as ours is made: its page size, a rollback journal, full syncs.
+        // A plain SQLite file of our page size: its default journal on disk, full syncs.
         file.exec("PRAGMA page_size = " + std::to_string(platform::format::kPageSize) +
                   "; PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL");
         file.exec(platform::format::kSchema);

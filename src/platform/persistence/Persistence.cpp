@@ -24,8 +24,8 @@ void configureNew(const sqlite::Connection& file)
               "; PRAGMA journal_mode = MEMORY; PRAGMA synchronous = FULL");
 }
 
-// A closed database is one file with a rollback journal in its header. The
-// first write of a session switches it to write-ahead logging: a save
+// A closed database is one file, its header set to the rollback-journal mode
+// (no write-ahead log, hence no file beside it). The first write of a session switches it to write-ahead logging: a save
 // appends the pages it changed to a log beside the file and syncs once,
 // instead of copying every page to a rollback journal before changing it in
 // place. The log is folded into the file when it passes kLogPages and when
