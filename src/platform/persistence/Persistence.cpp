@@ -24,16 +24,16 @@ void configureNew(const sqlite::Connection& file)
               "; PRAGMA journal_mode = MEMORY; PRAGMA synchronous = FULL");
 }
 
-// A closed database is one file, its header set to the rollback-journal mode
-// (no write-ahead log, hence no file beside it). The first write of a session switches it to write-ahead logging: a save
-// appends the pages it changed to a log beside the file and syncs once,
-// instead of copying every page to a rollback journal before changing it in
-// place. The log is folded into the file when it passes kLogPages and when
-// the session ends, which switches the file back. Full syncs make a save
-// hold across a power cut; a kill during one leaves the last complete save,
-// which the log gives back at the next open. The page cache holds the pages
-// of a large save, so that none of them is written to the log before the
-// commit and again with it.
+// A closed database is one file, its header set to the rollback-journal
+// mode (no write-ahead log, hence no file beside it). The first write of a
+// session switches it to write-ahead logging: a save appends the pages it
+// changed to a log beside the file and syncs once, instead of copying every
+// page to a rollback journal before changing it in place. The log is folded
+// into the file when it passes kLogPages and when the session ends, which
+// switches the file back. Full syncs make a save hold across a power cut; a
+// kill during one leaves the last complete save, which the log gives back at
+// the next open. The page cache holds the pages of a large save, so that none
+// of them is written to the log before the commit and again with it.
 constexpr int kLogPages = 65536;
 constexpr int kCacheKiB = 65536;
 
