@@ -66,13 +66,15 @@ void advance(Database& database)
     database.workset()->appGlobals()->setValue("Generation", generation);
 }
 
-[[noreturn]] void saveUntilKilled(const std::filesystem::path& path)
+// Saves generation after generation, writing a byte to `saved` after each.
+[[noreturn]] void saveUntilKilled(const std::filesystem::path& path, int saved)
 {
     try {
         auto file = ProjectFile::open(path);
         for (;;) {
             advance(*file.database());
             file.save();
+            if (::write(saved, "s", 1) != 1) break;
         }
     } catch (...) {
     }
@@ -86,17 +88,29 @@ TEST(CrashTest, AKilledSaveLeavesTheLastCompleteSave)
     ProjectFile::create(path, firstGeneration());
     auto expected = firstGeneration();
 
+    // The kill waits for a random number of complete saves, then lands at a
+    // random moment of the next ones: counted, not timed, so that a slow
+    // (sanitizer, loaded) machine kills in the same places.
     std::mt19937 random(20240611);
-    // Wide enough that a save completes now and then even in a sanitizer build.
-    std::uniform_int_distribution<int> delayMs(2, 250);
+    std::uniform_int_distribution<int> savesFirst(0, 2);
+    std::uniform_int_distribution<int> delayUs(0, 20'000);
     for (int trial = 0; trial < 30; ++trial) {
+        int saved[2];
+        ASSERT_EQ(::pipe(saved), 0);
         const pid_t child = ::fork();
         ASSERT_GE(child, 0);
-        if (child == 0) saveUntilKilled(path);
-        std::this_thread::sleep_for(std::chrono::milliseconds(delayMs(random)));
+        if (child == 0) {
+            ::close(saved[0]);
+            saveUntilKilled(path, saved[1]);
+        }
+        ::close(saved[1]);
+        char byte = 0;
+        for (int n = savesFirst(random); n > 0; --n) ASSERT_EQ(::read(saved[0], &byte, 1), 1) << "trial " << trial;
+        std::this_thread::sleep_for(std::chrono::microseconds(delayUs(random)));
         ::kill(child, SIGKILL);
         int status = 0;
         ::waitpid(child, &status, 0);
+        ::close(saved[0]);
         ASSERT_TRUE(WIFSIGNALED(status)) << "the saving process ended on its own in trial " << trial;
 
         const auto reopened = ProjectFile::open(path, ProjectFile::Access::ReadOnly);
