@@ -4,36 +4,13 @@
 set -u
 pipespec="$1"
 sample="$(cd "$(dirname "$0")/../.." && pwd)/data/sample/project.json"
-failures=0
 
 # Every database lives in a directory of its own, never in the user's.
 tmp=$(mktemp -d)
 trap 'chmod -R u+w "$tmp"; rm -rf "$tmp"' EXIT
 XDG_DATA_HOME="$tmp/data"
 export XDG_DATA_HOME
-
-fail() {
-    echo "FAIL: $*"
-    failures=$((failures + 1))
-}
-
-# expect CODE DESCRIPTION -- command...; keeps the output in $out.
-expect() {
-    code="$1"
-    what="$2"
-    shift 3
-    out=$("$@" 2>&1)
-    got=$?
-    [ "$got" -eq "$code" ] || fail "$what: exit $got, expected $code; output: $out"
-}
-
-contains() {
-    printf '%s' "$out" | grep -qF -- "$2" || fail "$1: output lacks '$2'; output: $out"
-}
-
-lacks() {
-    printf '%s' "$out" | grep -qF -- "$2" && fail "$1: output has '$2'; output: $out"
-}
+. "$(dirname "$0")/expect.sh"
 
 # What a file holds and when it was last written: a run that changes nothing
 # leaves both.
@@ -269,8 +246,4 @@ awk 'BEGIN {
 expect 3 "a project nested 100,000 deep" -- "$pipespec" info --db "$tmp/deep.json"
 contains "a project nested 100,000 deep" "Project file $tmp/deep.json nests deeper than 512 levels"
 
-if [ "$failures" -ne 0 ]; then
-    echo "$failures command-line checks failed"
-    exit 1
-fi
-echo "command line: all checks passed"
+finish "command-line"
