@@ -63,6 +63,9 @@ contains "check structure class" '"component": "BASE:@40|CAT|STRUCTURE|ST-SHOE",
 lacks "check structure class" "is structure element"
 expect 0 "validate" -- "$pipespec" validate --class PC-A1-DIN --json
 contains "validate" '"valid": true'
+expect 0 "validate in words" -- "$pipespec" validate --class PC-A1-DIN
+contains "validate in words" "may become an element:  BASE:@40|CAT|VALVES|CHECK|VA-CHECK-PN40-DN600"
+contains "validate in words" " may become an element, 4 refused."
 
 expect 0 "add" -- "$pipespec" add --dry-run --class PC-A1-DIN FL-WN-PN16 TE-EQ
 contains "add" "made PLANT:@20|PIPECLASSES|PC-A1-DIN|001  from BASE:@40|CAT|BASE|FL-WN"
@@ -119,6 +122,13 @@ contains "add to a PDMS class, chosen" '"selector": "PLANT:@20|PIPECLASSES|PC-B2
 contains "add to a PDMS class, chosen" '"asked": 1'
 expect 1 "add to a PDMS class, cancelled" -- "$pipespec" add --dry-run --class PC-B2-E3D FL-WN-PN16 --choose cancel
 contains "add to a PDMS class, cancelled" "not made from BASE:@40|CAT|FLANGES|FL-WN-PN16"
+# A sized catalogue component answers the tree's questions itself, and a
+# flange brings the gasket of its joint.
+expect 0 "add a sized flange to a PDMS class" -- "$pipespec" add --dry-run --class PC-B2-E3D FL-SO-PN40-DN150 --choose cancel
+contains "add a sized flange to a PDMS class" "selector PLANT:@20|PIPECLASSES|PC-B2-E3D|SelectorRoot|FLAN|FTYPE:SO"
+contains "add a sized flange to a PDMS class" "from BASE:@40|CAT|GASKETS|FLAT|GA-FLAT-PN40-DN150"
+expect 0 "questions of a sized valve" -- "$pipespec" questions --class PC-A1-DIN VA-BALL-PN16-DN50 --choose cancel
+contains "questions of a sized valve" "PIPE.FTYPE = BALL"
 
 # add keeps its elements in the database file, which the next run reads.
 db="$tmp/project.pspec"
