@@ -66,12 +66,8 @@ def chapter(name, *specs):
     return {"name": name, "specs": list(specs)}
 
 
-def device(name, description, specs, cdevice=None):
-    node = {"name": name, "description": description}
-    if cdevice:
-        node["cdevice"] = cdevice
-    node["specs"] = specs
-    return node
+def device(name, description, specs):
+    return {"name": name, "description": description, "specs": specs}
 
 
 def folder(name, description, devices):
@@ -281,11 +277,11 @@ def layout(node, depth=0):
 
 def main(argv):
     target = argv[1] if len(argv) > 1 else str(TOP / "data" / "sample" / "project.json")
-    text = layout(build()) + "\n"
+    content = layout(build()) + "\n"
     if target == "-":
-        sys.stdout.write(text)
+        sys.stdout.write(content)
     else:
-        Path(target).write_text(text, encoding="utf-8")
+        Path(target).write_text(content, encoding="utf-8")
 
 
 if __name__ == "__main__":
