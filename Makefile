@@ -16,7 +16,7 @@ build: configure
 	cmake --build --preset $(PRESET)
 
 run: build
-	$(BUILD)/src/pipespec validate --class "PC-A1-DIN"
+	$(BUILD)/bin/pipespec validate --class "PC-A1-DIN"
 
 test: build
 	ctest --preset $(PRESET)
@@ -27,7 +27,7 @@ test-asan:
 # BENCH_ARGS goes to the benchmark program, e.g. BENCH_ARGS=--benchmark_filter=BM_QueryRefresh50k
 bench:
 	$(MAKE) build PRESET=release
-	build/release/bench/pipespec_bench $(BENCH_ARGS)
+	build/release/bin/pipespec_bench $(BENCH_ARGS)
 
 clean:
 	rm -rf build

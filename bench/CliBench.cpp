@@ -1,7 +1,7 @@
-// The command line at scale: `add` with 1,000 component names on a catalogue
-// of 20,000 components, the whole run as a user starts it. The database file
-// is opened, the names are looked up, the elements made and reported; it is
-// a dry run, so the file stays as it was for the next run.
+// The command line at scale: `add` with 1,000 component names on the sample's
+// catalogue grown by 20,000 components, the whole run as a user starts it.
+// The database file is opened, the names are looked up, the elements made and
+// reported; it is a dry run, so the file stays as it was for the next run.
 
 #include "BenchSupport.h"
 #include "cli/Arguments.h"

@@ -27,7 +27,7 @@ fi
 
 findings=()
 for harness in "${harnesses[@]}"; do
-  program=build/fuzz/fuzz/fuzz_$harness
+  program=build/fuzz/bin/fuzz_$harness
   scratch=build/fuzz/scratch/$harness
   kept=build/fuzz/findings/$harness
   log=build/fuzz/scratch/$harness.log

@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build needs, only those that are missing:
 # GCC for the everyday builds; Clang, its sanitizer and libFuzzer runtimes
-# (libclang-rt-14-dev), clang-format and clang-tidy for CI's further passes.
+# (libclang-rt-14-dev), clang-format and clang-tidy for CI's further passes;
+# Python for the generator of the sample project, which a test runs.
 # Runs as root on a fresh Debian 12 machine; uses sudo otherwise.
 set -euo pipefail
 
 packages=(
-  g++ cmake ninja-build make pkg-config
+  g++ cmake ninja-build make pkg-config python3
   nlohmann-json3-dev libsqlite3-dev qt6-base-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   clang clang-format clang-tidy libclang-rt-14-dev

@@ -125,11 +125,17 @@ int runValidate(const Arguments& args, std::ostream& out)
         return exitcode::Success;
     }
     out << "Pipe class " << report["pipeClass"].get<std::string>() << "\n";
+    std::size_t refused = 0;
     for (const auto& entry : report["components"]) {
-        out << (entry["valid"].get<bool>() ? "  may become an element:  " : "  refused:                ")
+        const bool valid = entry["valid"].get<bool>();
+        out << (valid ? "  may become an element:  " : "  refused:                ")
             << entry["component"].get<std::string>() << "\n";
+        if (!valid) ++refused;
         if (entry.contains("why")) out << "      " << entry["why"].get<std::string>() << "\n";
     }
+    // A catalogue runs to hundreds of lines; the count closes them.
+    const auto total = report["components"].size();
+    out << total << " components: " << total - refused << " may become an element, " << refused << " refused.\n";
     return exitcode::Success;
 }
 

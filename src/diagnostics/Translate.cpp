@@ -1,5 +1,6 @@
 #include "diagnostics/Translate.h"
 
+#include "diagnostics/DataDirectory.h"
 #include "objectmodel/Errors.h"
 #include "objectmodel/JsonInput.h"
 #include "objectmodel/Text.h"
@@ -68,7 +69,7 @@ std::filesystem::path LanguageTable::shippedPath(std::string_view language)
         return ('a' <= c && c <= 'z') || ('A' <= c && c <= 'Z') || ('0' <= c && c <= '9') || c == '_' || c == '-';
     });
     if (!plainWord) configurationError(language, "not a language name");
-    return std::filesystem::path(PIPESPEC_DATA_DIR) / "lang" / (std::string(language) + ".json");
+    return dataDirectory() / "lang" / (std::string(language) + ".json");
 }
 
 void LanguageTable::set(std::string_view key, std::string text)

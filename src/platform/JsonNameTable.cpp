@@ -1,5 +1,6 @@
 #include "platform/JsonNameTable.h"
 
+#include "diagnostics/DataDirectory.h"
 #include "objectmodel/Errors.h"
 #include "objectmodel/JsonInput.h"
 
@@ -35,10 +36,7 @@ std::shared_ptr<JsonNameTable> JsonNameTable::load(const std::filesystem::path& 
     return parse(parseJson(in, "Name table " + file.string()), file.string());
 }
 
-std::filesystem::path JsonNameTable::shippedPath()
-{
-    return std::filesystem::path(PIPESPEC_DATA_DIR) / "nametable.json";
-}
+std::filesystem::path JsonNameTable::shippedPath() { return diagnostics::dataDirectory() / "nametable.json"; }
 
 void JsonNameTable::merge(const nlohmann::json& node, std::string_view origin)
 {

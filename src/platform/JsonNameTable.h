@@ -2,7 +2,7 @@
 
 // The name table of a database: the texts of its attribute and chapter names,
 // read from JSON. Objects are sub-trees, strings are leaves, and the root may
-// say "IsBaseDatabase". The shipped default lives in data/nametable.json; a
+// say "IsBaseDatabase". The shipped default is nametable.json of the data directory; a
 // project file may override any leaf.
 
 #include "objectmodel/NameTableInterface.h"
@@ -24,7 +24,7 @@ public:
     // `origin` and the node.
     static std::shared_ptr<JsonNameTable> parse(const nlohmann::json& document, std::string_view origin);
     static std::shared_ptr<JsonNameTable> load(const std::filesystem::path& file);
-    // data/nametable.json of the installation.
+    // nametable.json in the data directory (diagnostics/DataDirectory.h).
     static std::filesystem::path shippedPath();
 
     // A copy of this table with the leaves and sub-trees of `overrides` laid

@@ -1,5 +1,6 @@
 #include "platform/JsonProject.h"
 
+#include "diagnostics/DataDirectory.h"
 #include "objectmodel/Errors.h"
 #include "objectmodel/JsonInput.h"
 
@@ -368,9 +369,6 @@ LoadedDatabase loadJsonProject(const std::filesystem::path& file, const JsonName
     return readJsonProject(parseJson(in, "Project file " + file.string()), file.string(), defaultNames);
 }
 
-std::filesystem::path sampleProjectPath()
-{
-    return std::filesystem::path(PIPESPEC_DATA_DIR) / "sample" / "project.json";
-}
+std::filesystem::path sampleProjectPath() { return diagnostics::dataDirectory() / "sample" / "project.json"; }
 
 }  // namespace pipespec::platform

@@ -34,7 +34,7 @@ LoadedDatabase readJsonProject(const nlohmann::json& document, std::string_view 
                                const JsonNameTable& defaultNames);
 LoadedDatabase loadJsonProject(const std::filesystem::path& file, const JsonNameTable& defaultNames);
 
-// data/sample/project.json of the installation.
+// sample/project.json in the data directory (diagnostics/DataDirectory.h).
 std::filesystem::path sampleProjectPath();
 
 }  // namespace pipespec::platform

@@ -4,36 +4,13 @@
 set -u
 pipespec="$1"
 sample="$(cd "$(dirname "$0")/../.." && pwd)/data/sample/project.json"
-failures=0
 
 # Every database lives in a directory of its own, never in the user's.
 tmp=$(mktemp -d)
 trap 'chmod -R u+w "$tmp"; rm -rf "$tmp"' EXIT
 XDG_DATA_HOME="$tmp/data"
 export XDG_DATA_HOME
-
-fail() {
-    echo "FAIL: $*"
-    failures=$((failures + 1))
-}
-
-# expect CODE DESCRIPTION -- command...; keeps the output in $out.
-expect() {
-    code="$1"
-    what="$2"
-    shift 3
-    out=$("$@" 2>&1)
-    got=$?
-    [ "$got" -eq "$code" ] || fail "$what: exit $got, expected $code; output: $out"
-}
-
-contains() {
-    printf '%s' "$out" | grep -qF -- "$2" || fail "$1: output lacks '$2'; output: $out"
-}
-
-lacks() {
-    printf '%s' "$out" | grep -qF -- "$2" && fail "$1: output has '$2'; output: $out"
-}
+. "$(dirname "$0")/expect.sh"
 
 # What a file holds and when it was last written: a run that changes nothing
 # leaves both.
@@ -86,6 +63,9 @@ contains "check structure class" '"component": "BASE:@40|CAT|STRUCTURE|ST-SHOE",
 lacks "check structure class" "is structure element"
 expect 0 "validate" -- "$pipespec" validate --class PC-A1-DIN --json
 contains "validate" '"valid": true'
+expect 0 "validate in words" -- "$pipespec" validate --class PC-A1-DIN
+contains "validate in words" "may become an element:  BASE:@40|CAT|VALVES|CHECK|VA-CHECK-PN40-DN600"
+contains "validate in words" " may become an element, 4 refused."
 
 expect 0 "add" -- "$pipespec" add --dry-run --class PC-A1-DIN FL-WN-PN16 TE-EQ
 contains "add" "made PLANT:@20|PIPECLASSES|PC-A1-DIN|001  from BASE:@40|CAT|BASE|FL-WN"
@@ -142,6 +122,13 @@ contains "add to a PDMS class, chosen" '"selector": "PLANT:@20|PIPECLASSES|PC-B2
 contains "add to a PDMS class, chosen" '"asked": 1'
 expect 1 "add to a PDMS class, cancelled" -- "$pipespec" add --dry-run --class PC-B2-E3D FL-WN-PN16 --choose cancel
 contains "add to a PDMS class, cancelled" "not made from BASE:@40|CAT|FLANGES|FL-WN-PN16"
+# A sized catalogue component answers the tree's questions itself, and a
+# flange brings the gasket of its joint.
+expect 0 "add a sized flange to a PDMS class" -- "$pipespec" add --dry-run --class PC-B2-E3D FL-SO-PN40-DN150 --choose cancel
+contains "add a sized flange to a PDMS class" "selector PLANT:@20|PIPECLASSES|PC-B2-E3D|SelectorRoot|FLAN|FTYPE:SO"
+contains "add a sized flange to a PDMS class" "from BASE:@40|CAT|GASKETS|FLAT|GA-FLAT-PN40-DN150"
+expect 0 "questions of a sized valve" -- "$pipespec" questions --class PC-A1-DIN VA-BALL-PN16-DN50 --choose cancel
+contains "questions of a sized valve" "PIPE.FTYPE = BALL"
 
 # add keeps its elements in the database file, which the next run reads.
 db="$tmp/project.pspec"
@@ -269,8 +256,4 @@ awk 'BEGIN {
 expect 3 "a project nested 100,000 deep" -- "$pipespec" info --db "$tmp/deep.json"
 contains "a project nested 100,000 deep" "Project file $tmp/deep.json nests deeper than 512 levels"
 
-if [ "$failures" -ne 0 ]; then
-    echo "$failures command-line checks failed"
-    exit 1
-fi
-echo "command line: all checks passed"
+finish "command-line"
