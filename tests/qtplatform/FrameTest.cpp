@@ -2,14 +2,30 @@
 // control: the host's calls in their order, a click, a key, a language switch.
 
 #include "diagnostics/Messages.h"
+#include "diagnostics/ServiceRegistry.h"
 #include "frame/ControlFrame.h"
+#include "qtplatform/ObjectDrag.h"
+#include "qtplatform/ObjectPickField.h"
+#include "qtplatform/OkAbortBar.h"
+#include "qtplatform/QtHost.h"
 #include "support/World.h"
 
+#include <QApplication>
 #include <QDialog>
+#include <QDropEvent>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QMessageBox>
+#include <QMimeData>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTextBrowser>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <functional>
+#include <tuple>
 
 #include <gmock/gmock.h>
 
@@ -168,6 +184,144 @@ TEST_F(FrameTest, F1OpensTheHelpPageOfTheControlsClass)
     QTest::keyClick(&control, Qt::Key_F1);
     EXPECT_EQ(control.findChildren<QDialog*>().size(), 1);
     EXPECT_THAT(world.host().errors(), IsEmpty());
+}
+
+// A form with an OK and abort bar that closes, by either button or Escape,
+// through the host's window service.
+class Form final : public frame::ControlFrame {
+public:
+    Form() : ControlFrame(cls::FrmPCOMRange)
+    {
+        bar = new qtplatform::OkAbortBar(this);
+        (new QVBoxLayout(this))->addWidget(bar);
+        connectHandler(bar, &qtplatform::OkAbortBar::ClickClose, "Sub OkAbort1_ClickClose", [this] { close(); });
+    }
+    qtplatform::OkAbortBar* bar;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        if (event->key() != Qt::Key_Escape) return ControlFrame::keyPressEvent(event);
+        handle("Sub Form_KeyPress", [&] { close(); });
+    }
+
+private:
+    void close() { diagnostics::utilities().MainWindow()->WindowService()->CloseForm(*this); }
+};
+
+// The windowed host installed over the world's headless one.
+class QtHostTest : public FrameTest {
+protected:
+    QWidget mainWindow;
+    std::shared_ptr<qtplatform::QtUtilities> qtHost = std::make_shared<qtplatform::QtUtilities>(&mainWindow);
+    diagnostics::ScopedService<IUtilities> installed{diagnostics::setUtilities, qtHost};
+
+    // Runs `act` on the modal window that opens next, while it is open.
+    static void whenModalOpens(std::function<void(QWidget&)> act)
+    {
+        QTimer::singleShot(0, [act = std::move(act)] {
+            if (auto* modal = QApplication::activeModalWidget()) act(*modal);
+        });
+    }
+};
+
+TEST_F(QtHostTest, FormsAndBoxesAnswerAsTheUserDoes)
+{
+    // OK and abort each raise their own event, then ClickClose; a disabled OK nothing.
+    Form form;
+    QSignalSpy ok(form.bar, &qtplatform::OkAbortBar::ClickOk), abort(form.bar, &qtplatform::OkAbortBar::ClickAbort),
+        closed(form.bar, &qtplatform::OkAbortBar::ClickClose);
+    const auto showAndThen = [&](std::function<void(QWidget&)> act) {
+        whenModalOpens(std::move(act));
+        qtHost->MainWindow()->WindowService()->ShowForm(form);
+        return form.isVisible();
+    };
+    EXPECT_FALSE(
+        showAndThen([](QWidget& modal) { QTest::mouseClick(modal.findChild<QPushButton*>("ok"), Qt::LeftButton); }));
+    EXPECT_EQ(std::tuple(ok.count(), abort.count(), closed.count()), std::tuple(1, 0, 1));
+    EXPECT_FALSE(showAndThen([](QWidget& modal) { QTest::keyClick(&modal, Qt::Key_Escape); }));
+    form.bar->setOkEnabled(false);
+    EXPECT_FALSE(showAndThen([](QWidget& modal) {
+        QTest::mouseClick(modal.findChild<QPushButton*>("ok"), Qt::LeftButton);
+        QTest::mouseClick(modal.findChild<QPushButton*>("abort"), Qt::LeftButton);
+    }));
+    EXPECT_EQ(std::tuple(ok.count(), abort.count(), closed.count()), std::tuple(1, 1, 2));
+
+    // A yes/no box answers with the button pressed.
+    const auto press = [](QMessageBox::StandardButton button) {
+        whenModalOpens([button](QWidget& modal) {
+            auto& box = dynamic_cast<QMessageBox&>(modal);
+            EXPECT_EQ(box.windowTitle(), "Tubrix Designer");
+            box.button(button)->click();
+        });
+    };
+    press(QMessageBox::No);
+    EXPECT_EQ(qtHost->MessageBox("Delete?", mb::YesNoExclamation, "Tubrix Designer"), mb::AnswerNo);
+    press(QMessageBox::Ok);
+    EXPECT_EQ(qtHost->MessageBox("Done", mb::Information, "Tubrix Designer"), mb::AnswerOk);
+    EXPECT_THAT(qtHost->kept().errors(), IsEmpty());
+}
+
+TEST_F(QtHostTest, LanguageSwitchesWhileTheControlsAreShown)
+{
+    Control control(log);
+    qtplatform::OkAbortBar bar;
+    EXPECT_EQ(control.label->text(), "Nennweiten-Bereich");
+    qtHost->switchLanguage("en");
+    EXPECT_EQ(control.label->text(), "Nominal-diameter range");
+    EXPECT_EQ(bar.abortButton()->text(), "Cancel");
+    qtHost->switchLanguage("de");
+    EXPECT_EQ(control.label->text(), "Nennweiten-Bereich");
+    EXPECT_THROW(qtHost->switchLanguage("xx"), PlatformError);
+    EXPECT_EQ(qtHost->language(), "de");
+}
+
+TEST_F(FrameTest, PickFieldTakesTheDraggedObjectUnlessLocked)
+{
+    const auto catalog = world.catalog();
+    const auto first = world.device(catalog, "Flange");
+    const auto second = world.device(catalog, "Tee");
+    qtplatform::ObjectPickField field;
+    field.setProject(world.plant());
+    field.setPickListName("OPLNewSelector");
+    field.setIconProvider([](const ObjectRef&) {
+        QPixmap square(16, 16);
+        square.fill(Qt::blue);
+        return QIcon(square);
+    });
+    field.setObject(first);
+    field.Refresh();
+    EXPECT_EQ(field.shownText(), "Flange");
+    EXPECT_TRUE(field.showsIcon());
+
+    QSignalSpy changed(&field, &qtplatform::ObjectPickField::Change);
+    QMimeData objects;
+    objects.setData(qtplatform::kObjectsMimeType, {});
+    const auto drop = [&](const QMimeData& data) {
+        QDragEnterEvent enter({4, 4}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&field, &enter);
+        QDropEvent dropped({4, 4}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&field, &dropped);
+        return enter.isAccepted() && dropped.isAccepted();
+    };
+    world.workset()->setDragObject(Variant(second));
+    field.setLocked(true);
+    EXPECT_FALSE(drop(objects));
+    QMimeData text;
+    text.setText("Tee");
+    field.setLocked(false);
+    EXPECT_FALSE(drop(text)) << "not ours";
+    EXPECT_EQ(field.object(), first);
+    EXPECT_TRUE(drop(objects));
+    EXPECT_EQ(field.object(), second);
+    EXPECT_EQ(field.shownText(), "Tee");
+    EXPECT_EQ(changed.count(), 1);
+    // The owner's filter refuses.
+    field.setDropFilter([](const Variant& dragged) { return dragged.objectAs<ISpecification>() != nullptr; });
+    world.workset()->setDragObject(Variant(first));
+    EXPECT_FALSE(drop(objects));
+    EXPECT_EQ(field.object(), second);
+    EXPECT_EQ(world.reported(), "");
 }
 
 }  // namespace
