@@ -8,6 +8,7 @@
 #include "qtplatform/ObjectPickField.h"
 #include "qtplatform/OkAbortBar.h"
 #include "qtplatform/QtHost.h"
+#include "ranges/frmPCOMRange.h"
 #include "support/World.h"
 
 #include <QApplication>
@@ -22,6 +23,7 @@
 #include <QTest>
 #include <QTextBrowser>
 #include <QTimer>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <functional>
@@ -186,29 +188,6 @@ TEST_F(FrameTest, F1OpensTheHelpPageOfTheControlsClass)
     EXPECT_THAT(world.host().errors(), IsEmpty());
 }
 
-// A form with an OK and abort bar that closes, by either button or Escape,
-// through the host's window service.
-class Form final : public frame::ControlFrame {
-public:
-    Form() : ControlFrame(cls::FrmPCOMRange)
-    {
-        bar = new qtplatform::OkAbortBar(this);
-        (new QVBoxLayout(this))->addWidget(bar);
-        connectHandler(bar, &qtplatform::OkAbortBar::ClickClose, "Sub OkAbort1_ClickClose", [this] { close(); });
-    }
-    qtplatform::OkAbortBar* bar;
-
-protected:
-    void keyPressEvent(QKeyEvent* event) override
-    {
-        if (event->key() != Qt::Key_Escape) return ControlFrame::keyPressEvent(event);
-        handle("Sub Form_KeyPress", [&] { close(); });
-    }
-
-private:
-    void close() { diagnostics::utilities().MainWindow()->WindowService()->CloseForm(*this); }
-};
-
 // The windowed host installed over the world's headless one.
 class QtHostTest : public FrameTest {
 protected:
@@ -228,9 +207,10 @@ protected:
 TEST_F(QtHostTest, FormsAndBoxesAnswerAsTheUserDoes)
 {
     // OK and abort each raise their own event, then ClickClose; a disabled OK nothing.
-    Form form;
-    QSignalSpy ok(form.bar, &qtplatform::OkAbortBar::ClickOk), abort(form.bar, &qtplatform::OkAbortBar::ClickAbort),
-        closed(form.bar, &qtplatform::OkAbortBar::ClickClose);
+    ranges::frmPCOMRange form;
+    auto& bar = *form.findChild<qtplatform::OkAbortBar*>();
+    QSignalSpy ok(&bar, &qtplatform::OkAbortBar::ClickOk), abort(&bar, &qtplatform::OkAbortBar::ClickAbort),
+        closed(&bar, &qtplatform::OkAbortBar::ClickClose);
     const auto showAndThen = [&](std::function<void(QWidget&)> act) {
         whenModalOpens(std::move(act));
         qtHost->MainWindow()->WindowService()->ShowForm(form);
@@ -239,8 +219,9 @@ TEST_F(QtHostTest, FormsAndBoxesAnswerAsTheUserDoes)
     EXPECT_FALSE(
         showAndThen([](QWidget& modal) { QTest::mouseClick(modal.findChild<QPushButton*>("ok"), Qt::LeftButton); }));
     EXPECT_EQ(std::tuple(ok.count(), abort.count(), closed.count()), std::tuple(1, 0, 1));
+    // Escape closes as the bar does.
     EXPECT_FALSE(showAndThen([](QWidget& modal) { QTest::keyClick(&modal, Qt::Key_Escape); }));
-    form.bar->setOkEnabled(false);
+    bar.setOkEnabled(false);
     EXPECT_FALSE(showAndThen([](QWidget& modal) {
         QTest::mouseClick(modal.findChild<QPushButton*>("ok"), Qt::LeftButton);
         QTest::mouseClick(modal.findChild<QPushButton*>("abort"), Qt::LeftButton);
@@ -322,6 +303,57 @@ TEST_F(FrameTest, PickFieldTakesTheDraggedObjectUnlessLocked)
     EXPECT_FALSE(drop(objects));
     EXPECT_EQ(field.object(), second);
     EXPECT_EQ(world.reported(), "");
+}
+
+TEST_F(QtHostTest, RangeFormEditsTheRangeCreationMade)
+{
+    world.list(pipeClass, "NR.DNLIST", {"15", "25", "50", "80", "100"});
+    const auto element = world.device(pipeClass, "001", {{"NR.DNFROM", "25"}, {"NR.DNTO", "80"}});
+    ranges::frmPCOMRange form;
+    // The form's range control prepares a range as element creation does.
+    form.InitNDRange(element, pipeClass);
+    EXPECT_EQ(world.listed(element, "NR.DNLIST"), "25 50 80");
+
+    // Without a description the caption still ends with " - ".
+    form.Init(element);
+    EXPECT_EQ(form.windowTitle(), "Range for  PC1|001 - ");
+    auto& row = form.rangeRow();
+    const auto pressed = [&] {
+        std::string shown;
+        for (const auto* diameter : {"15", "25", "50", "80", "100"})
+            shown += row.cell(diameter)->isChecked() ? std::string(diameter) + " " : "";
+        return shown;
+    };
+    EXPECT_EQ(pressed(), "25 50 80 ");
+    EXPECT_GE(form.width(), row.width() + ranges::frmPCOMRange::kBarStrip);
+
+    // A click sets the lower bound, a right click the upper; the form tells the list.
+    QSignalSpy changed(&form, &ranges::frmPCOMRange::PCOMRange_Changed);
+    std::vector<QStringList> told;
+    QObject::connect(&row, &qtplatform::PCOMRange::RangeChanged,
+                     [&](int, const qtplatform::RangeData& data) { told.push_back(data.diameters); });
+    const auto undo = world.workset()->NewUndoState();
+    world.workset()->SetCurrentUndoState(undo);
+    form.show();
+    QTest::mouseClick(row.cell("15"), Qt::LeftButton);
+    QTest::mouseClick(row.cell("50"), Qt::RightButton);
+    EXPECT_EQ(pressed(), "15 25 50 ");
+    EXPECT_EQ(world.value(element, "NR.DNFROM"), "15");
+    EXPECT_EQ(world.value(element, "NR.DNTO"), "50");
+    EXPECT_EQ(changed.count(), 2);
+    EXPECT_THAT(told, ElementsAre(QStringList{"15", "25", "50", "80"}, QStringList{"15", "25", "50"}));
+    // Each click is one step back.
+    undo->Undo();
+    EXPECT_EQ(pressed(), "15 25 50 ") << "shown until reloaded";
+    row.Reload();
+    EXPECT_EQ(pressed(), "15 25 50 80 ");
+
+    // A failing handler reports under the form's class string; the form stays.
+    form.Init(nullptr);
+    ASSERT_EQ(qtHost->kept().errors().size(), 1U);
+    EXPECT_EQ(qtHost->kept().errors()[0].cls, "QuorlPipeSpecComp.FrmPCOMRange");
+    EXPECT_EQ(qtHost->kept().errors()[0].function, "Sub Init");
+    EXPECT_TRUE(form.isVisible());
 }
 
 }  // namespace
