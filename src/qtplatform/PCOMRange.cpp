@@ -60,6 +60,9 @@ PCOMRange::PCOMRange(QWidget* parent) : QWidget(parent), grid_(new QGridLayout(t
     grid_->addWidget(head_, 1, 0);
     connect(head_, &QToolButton::clicked, this, [this] { highlight(); });
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    // The range, and a highlighted head, stand out in the colour of a selection.
+    setStyleSheet("QToolButton { border: 1px solid palette(mid); background: palette(base); min-height: 20px; }"
+                  "QToolButton:checked { background: palette(highlight); color: palette(highlighted-text); }");
 }
 
 void PCOMRange::Init(const DeviceRef& component, const DeviceRef& pipeSpecCDev, bool firstRow)
