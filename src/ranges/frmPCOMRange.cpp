@@ -35,14 +35,25 @@ frmPCOMRange::frmPCOMRange(QWidget* parent)
 void frmPCOMRange::Init(const DeviceRef& component)
 {
     handle("Sub Init", [&] {
-        const auto& element = must(component);
-        const auto owner = asDevice(element.Owner());
-        setWindowTitle(
-            translated(msg::RangeFor) + " " +
-            QString::fromStdString(must(owner).Name() + "|" + element.Name() + " - " + element.Description()));
+        const auto owner = asDevice(must(component).Owner());
+        mComponent = component;
+        setCaption();
         PCOMRange1->Init(component, owner, true);
         Form_Resize();
     });
+}
+
+void frmPCOMRange::setCaption()
+{
+    const auto& component = must(mComponent);
+    setWindowTitle(translated(msg::RangeFor) + " " +
+                   QString::fromStdString(must(component.Owner()).Name() + "|" + component.Name() + " - " +
+                                          component.Description()));
+}
+
+void frmPCOMRange::retranslate()
+{
+    if (mComponent) setCaption();
 }
 
 void frmPCOMRange::InitNDRange(const DeviceRef& element, const DeviceRef& pipeClass)

@@ -32,15 +32,19 @@ signals:
     void PCOMRange_Changed();
 
 protected:
+    void retranslate() override;
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    // "Range for " with the owner, the component and its description.
+    void setCaption();
     void Form_Resize();
     void closeForm();
 
     qtplatform::PCOMRange* PCOMRange1;  // Owned by this form, its Qt parent.
     qtplatform::OkAbortBar* OkAbort1;   // Owned by this form.
+    DeviceRef mComponent;               // the component bound by Init
 };
 
 }  // namespace pipespec::ranges

@@ -251,8 +251,13 @@ TEST_F(QtHostTest, LanguageSwitchesWhileTheControlsAreShown)
     qtHost->switchLanguage("en");
     EXPECT_EQ(control.label->text(), "Nominal-diameter range");
     EXPECT_EQ(bar.abortButton()->text(), "Cancel");
+    qtHost->kept().setLanguage(diagnostics::LanguageTable::parse(R"({"035bb": "Bereich für "})", "test"));
+    ranges::frmPCOMRange form;
+    form.Init(world.device(pipeClass, "001"));
+    EXPECT_EQ(form.windowTitle(), "Bereich für  PC1|001 - ");
     qtHost->switchLanguage("de");
     EXPECT_EQ(control.label->text(), "Nennweiten-Bereich");
+    EXPECT_EQ(form.windowTitle(), "Range for  PC1|001 - ");
     EXPECT_THROW(qtHost->switchLanguage("xx"), PlatformError);
     EXPECT_EQ(qtHost->language(), "de");
 }
