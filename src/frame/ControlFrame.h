@@ -116,7 +116,7 @@ protected:
     void connectHandler(Sender* sender, Signal signal, std::string_view function, F body)
     {
         connect(sender, signal, this,
-                [this, function, body](auto&&... args) { handle(function, [&] { body(args...); }); });
+                [this, function, body](auto&&... args) { this->handle(function, [&] { body(args...); }); });
     }
 
     void changeEvent(QEvent* event) override;
