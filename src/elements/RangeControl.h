@@ -3,6 +3,9 @@
 #include "objectmodel/ObjectModel.h"
 
 #include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace pipespec::addtopipeclass {
 
@@ -28,6 +31,17 @@ public:
     // A range the element already holds as its own is left as it is.
     void InitNDRange(const DeviceRef& element, const DeviceRef& pipeClass) override;
 };
+
+// The diameters of the pipe class's range list (`offered`) that lie between
+// the element's bounds, in the list's order.
+[[nodiscard]] std::vector<std::string> diametersWithinBounds(const IDevice& element, const ISpecification& offered);
+
+// Sets the element's lower and upper bound (an empty one leaves that side
+// open) and writes its own range anew from them; rows of the list the range
+// no longer fills are emptied, as a list keeps its length. False, with
+// nothing written, where the pipe class offers no list or the element has no
+// name-range chapter with bounds it may write.
+bool SetNDRange(const DeviceRef& element, const DeviceRef& pipeClass, std::string_view lower, std::string_view upper);
 
 // The instance element creation uses, a host service (diagnostics/ServiceRegistry.h)
 // whose default is the headless control.

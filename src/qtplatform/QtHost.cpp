@@ -1,0 +1,153 @@
+#include "qtplatform/QtHost.h"
+
+#include "diagnostics/Translate.h"
+#include "objectmodel/Errors.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QEventLoop>
+#include <QMessageBox>
+#include <QPalette>
+#include <QPushButton>
+
+#include <array>
+#include <utility>
+
+namespace pipespec::qtplatform {
+
+namespace {
+
+QString qt(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+QWidget& formWidget(IForm& form)
+{
+    auto* widget = dynamic_cast<QWidget*>(&form);
+    if (!widget) throw PlatformError(err::InvalidCall, "A form to show must be a widget");
+    return *widget;
+}
+
+// Ends a modal loop as the form it waits on is hidden, however that happens.
+class HideWatch final : public QObject {
+public:
+    explicit HideWatch(QEventLoop& loop) : loop_(loop) {}
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Hide) loop_.quit();
+        return false;
+    }
+
+private:
+    QEventLoop& loop_;
+};
+
+// The button sets of the flags' low digit, each button with its answer.
+struct BoxButton {
+    QMessageBox::StandardButton button;
+    int answer;
+};
+using ButtonSet = std::vector<BoxButton>;
+
+ButtonSet buttonSet(int flags)
+{
+    constexpr BoxButton ok{QMessageBox::Ok, 1}, cancel{QMessageBox::Cancel, 2}, abort{QMessageBox::Abort, 3},
+        retry{QMessageBox::Retry, 4}, ignore{QMessageBox::Ignore, 5}, yes{QMessageBox::Yes, mb::AnswerYes},
+        no{QMessageBox::No, mb::AnswerNo};
+    switch (flags & 0x0f) {
+    case 1: return {ok, cancel};
+    case 2: return {abort, retry, ignore};
+    case 3: return {yes, no, cancel};
+    case 4: return {yes, no};
+    case 5: return {retry, cancel};
+    default: return {ok};
+    }
+}
+
+QMessageBox::Icon boxIcon(int flags)
+{
+    switch (flags & 0xf0) {
+    case mb::Critical: return QMessageBox::Critical;
+    case 32: return QMessageBox::Question;
+    case mb::Exclamation: return QMessageBox::Warning;
+    case mb::Information: return QMessageBox::Information;
+    default: return QMessageBox::NoIcon;
+    }
+}
+
+int oleColor(const QColor& color) { return color.red() | (color.green() << 8) | (color.blue() << 16); }
+
+}  // namespace
+
+void QtWindowService::ShowForm(IForm& form)
+{
+    auto& widget = formWidget(form);
+    widget.setWindowFlag(Qt::Window);
+    widget.setWindowModality(Qt::ApplicationModal);
+    QEventLoop loop;
+    HideWatch watch(loop);
+    widget.installEventFilter(&watch);
+    widget.show();
+    if (widget.isVisible()) loop.exec();
+    widget.removeEventFilter(&watch);
+}
+
+void QtWindowService::CloseForm(IForm& form) { formWidget(form).close(); }
+
+int QtLook::Color(int number) const
+{
+    const auto palette = QApplication::palette();
+    constexpr std::array roles{QPalette::Window, QPalette::Base, QPalette::Text, QPalette::Button,
+                               QPalette::AlternateBase};
+    const auto role = number >= 0 && number < static_cast<int>(roles.size()) ? roles[static_cast<std::size_t>(number)]
+                                                                             : QPalette::Window;
+    return oleColor(palette.color(role));
+}
+
+QtUtilities::QtUtilities(QWidget* mainWindow) : mainWindow_(std::make_shared<QtMainWindow>(mainWindow)) {}
+
+void QtUtilities::ReportError(const ErrorInfo& error, std::string_view cls, std::string_view function) noexcept
+{
+    kept_.ReportError(error, cls, function);
+    try {
+        auto* box =
+            new QMessageBox(QMessageBox::Critical, qt(cls),  // Deleted as it closes.
+                            qt(error.Description) + "\n\n" + qt(function) + " (" + QString::number(error.Number) + ")",
+                            QMessageBox::Ok, mainWindow_->window());
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->setObjectName("error");
+        box->open();
+    } catch (...) {
+        // The report is kept; a box that cannot be shown is no new failure.
+    }
+}
+
+int QtUtilities::MessageBox(std::string_view text, int flags, std::string_view title)
+{
+    QMessageBox box(boxIcon(flags), qt(title), qt(text), QMessageBox::NoButton, mainWindow_->window());
+    const auto buttons = buttonSet(flags);
+    for (const auto& entry : buttons) box.addButton(entry.button);
+    box.setObjectName("messageBox");
+    box.exec();
+    const auto chosen = box.clickedButton() ? box.standardButton(box.clickedButton()) : QMessageBox::NoButton;
+    for (const auto& entry : buttons)
+        if (entry.button == chosen) return entry.answer;
+    return buttons.back().answer;
+}
+
+void QtUtilities::switchLanguage(std::string_view language)
+{
+    auto table = diagnostics::LanguageTable();
+    if (language != "de") {
+        const auto file = diagnostics::LanguageTable::shippedPath(language);
+        std::error_code ignored;
+        if (!std::filesystem::exists(file, ignored))
+            throw PlatformError(err::Configuration, "No language table " + file.string());
+        table = diagnostics::LanguageTable::load(file);
+    }
+    kept_.setLanguage(std::move(table));
+    language_ = language;
+    // Sent at once, so that every text is in the new language when the switch returns.
+    QEvent change(QEvent::LanguageChange);
+    for (auto* widget : QApplication::topLevelWidgets()) QApplication::sendEvent(widget, &change);
+}
+
+}  // namespace pipespec::qtplatform
