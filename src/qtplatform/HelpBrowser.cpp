@@ -1,5 +1,7 @@
 #include "qtplatform/HelpBrowser.h"
 
+#include "diagnostics/DataDirectory.h"
+
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QTextBrowser>
@@ -29,7 +31,7 @@ void load(QTextBrowser& browser, const QString& className)
 
 std::filesystem::path helpPage(const QString& className)
 {
-    return std::filesystem::path(PIPESPEC_DATA_DIR) / "help" / (className.toStdString() + ".html");
+    return diagnostics::dataDirectory() / "help" / (className.toStdString() + ".html");
 }
 
 QDialog* showHelp(QWidget& from, const QString& className)
