@@ -25,6 +25,7 @@
 #include <QSettings>
 #include <QStatusBar>
 #include <QStyle>
+#include <QToolBar>
 #include <QVBoxLayout>
 
 namespace pipespec::designer {
@@ -120,7 +121,7 @@ void DesignerWindow::makeDocks()
     dock(explorerDock_, "ExplorerDock", explorerPanel, Qt::LeftDockWidgetArea);
     dock(propertiesDock_, "PropertiesDock", properties_, Qt::RightDockWidgetArea);
     dock(messagesDock_, "MessagesDock", messages_, Qt::BottomDockWidgetArea);
-    resizeDocks({explorerDock_, propertiesDock_}, {320, 380}, Qt::Horizontal);
+    resizeDocks({explorerDock_, propertiesDock_}, {380, 400}, Qt::Horizontal);
     resizeDocks({messagesDock_}, {170}, Qt::Vertical);
 }
 
@@ -180,6 +181,15 @@ void DesignerWindow::makeMenus()
     viewMenu_->addSeparator();
     languageMenu_ = viewMenu_->addMenu(QString());
     languageMenu_->addActions({german_, english_});
+
+    toolBar_ = addToolBar(QString());
+    toolBar_->setObjectName("MainToolBar");
+    toolBar_->setIconSize(QSize(16, 16));
+    toolBar_->addActions({openDatabase_, save_});
+    toolBar_->addSeparator();
+    toolBar_->addActions({undo_, redo_});
+    toolBar_->addSeparator();
+    toolBar_->addActions({delete_, showProperties_});
 }
 
 void DesignerWindow::retranslate()
@@ -202,6 +212,7 @@ void DesignerWindow::retranslate()
     propertiesDock_->setWindowTitle(shown("~7d011 Eigenschaften"));
     messagesDock_->setWindowTitle(shown("~7d012 Meldungen"));
     explorerFilter_->setPlaceholderText(shown("~7d013 Filtern…"));
+    toolBar_->setWindowTitle(shown("~7d036 Werkzeugleiste"));
     german_->setChecked(host_.language() == "de");
     english_->setChecked(host_.language() != "de");
     explorer_->retranslate();
@@ -209,6 +220,7 @@ void DesignerWindow::retranslate()
     properties_->retranslate();
     messages_->retranslate();
     showTitle();
+    showStatus();
 }
 
 void DesignerWindow::setLanguage(const std::string& language)
@@ -250,7 +262,6 @@ void DesignerWindow::setDocument(Document* document)
     currentObjectChanged(nullptr);
     connect(document_, &Document::changed, this, &DesignerWindow::documentChanged);
     connect(document_, &Document::modifiedChanged, this, &DesignerWindow::showTitle);
-    projectLabel_->setText(text(workset->CurrentProject()->Name()));
     showTitle();
     updateActions();
 }
@@ -260,8 +271,16 @@ void DesignerWindow::currentObjectChanged(const ObjectRef& object)
     properties_->setObject(object, document_ ? document_->workset() : nullptr);
     const auto pipeClass = pipeClassOf(object);
     if (pipeClass != pages_->pipeClass()) pages_->setPipeClass(pipeClass);
-    classLabel_->setText(pipeClass ? text(pipeClass->Name()) : QString());
+    showStatus();
     updateActions();
+}
+
+void DesignerWindow::showStatus()
+{
+    const auto pipeClass = pages_->pipeClass();
+    classLabel_->setText(pipeClass ? filled("~7d01e Rohrklasse: %1%", text(pipeClass->Name())) : QString());
+    projectLabel_->setText(
+        document_ ? filled("~7d035 Projekt: %1%", text(document_->workset()->CurrentProject()->Name())) : QString());
 }
 
 void DesignerWindow::documentChanged()

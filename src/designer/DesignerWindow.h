@@ -24,6 +24,7 @@ class QDockWidget;
 class QLabel;
 class QLineEdit;
 class QMenu;
+class QToolBar;
 
 namespace pipespec::qtplatform {
 class ObjectTreeView;
@@ -78,6 +79,7 @@ private:
     void currentObjectChanged(const ObjectRef& object);
     void documentChanged();
     void showTitle();
+    void showStatus();
     void updateActions();
     // Asks to save a modified document: false when the user cancels.
     bool maybeSave();
@@ -104,6 +106,7 @@ private:
     QLabel* classLabel_;
     QString lastError_;  // the newest error report, for the status bar
 
+    QToolBar* toolBar_ = nullptr;
     QMenu* fileMenu_ = nullptr;
     QMenu* recentMenu_ = nullptr;
     QMenu* editMenu_ = nullptr;

@@ -7,6 +7,7 @@
 #include "qtplatform/ObjectDrag.h"
 #include "qtplatform/PictureByObject.h"
 
+#include <QFont>
 #include <QSortFilterProxyModel>
 
 #include <algorithm>
@@ -153,6 +154,12 @@ QVariant ObjectTreeModel::data(const QModelIndex& index, int role) const
     const auto& object = nodeAt(index)->object;
     if (role == Qt::DecorationRole && index.column() == 0) return pictureByObject(object);
     if (role == Qt::ToolTipRole) return text(object->SystemFullName());
+    if (role == Qt::FontRole && object->SystemTemporary()) {
+        // What is only inherited is shown in italics, as it is not stored here.
+        QFont inherited;
+        inherited.setItalic(true);
+        return inherited;
+    }
     if (role != Qt::DisplayRole && role != Qt::EditRole) return {};
     return text(columns_[static_cast<std::size_t>(index.column())].text(object));
 }
