@@ -4,6 +4,7 @@
 #include "designer/PipeClassPages.h"
 #include "designer/PropertiesPanel.h"
 #include "diagnostics/ErrorTail.h"
+#include "diagnostics/Messages.h"
 #include "diagnostics/Translate.h"
 #include "elements/AddToPipeClass.h"
 #include "objectmodel/Errors.h"
@@ -194,25 +195,25 @@ void DesignerWindow::makeMenus()
 
 void DesignerWindow::retranslate()
 {
-    fileMenu_->setTitle(shown("~7d001 &Datei"));
-    openDatabase_->setText(shown("~7d002 Datenbank ö&ffnen…"));
-    openJson_->setText(shown("~7d003 &JSON-Projekt öffnen…"));
-    recentMenu_->setTitle(shown("~7d006 &Zuletzt geöffnet"));
-    save_->setText(shown("~7d004 &Speichern"));
-    saveAs_->setText(shown("~7d005 Speichern &unter…"));
-    quit_->setText(shown("~7d007 &Beenden"));
-    editMenu_->setTitle(shown("~7d008 &Bearbeiten"));
-    undo_->setText(shown("~7d009 &Rückgängig"));
-    redo_->setText(shown("~7d00a &Wiederholen"));
-    delete_->setText(shown("~7d00b &Löschen"));
-    showProperties_->setText(shown("~7d00c &Eigenschaften"));
-    viewMenu_->setTitle(shown("~7d00d &Ansicht"));
-    languageMenu_->setTitle(shown("~7d00e &Sprache"));
-    explorerDock_->setWindowTitle(shown("~7d010 Projekt-Explorer"));
-    propertiesDock_->setWindowTitle(shown("~7d011 Eigenschaften"));
-    messagesDock_->setWindowTitle(shown("~7d012 Meldungen"));
-    explorerFilter_->setPlaceholderText(shown("~7d013 Filtern…"));
-    toolBar_->setWindowTitle(shown("~7d036 Werkzeugleiste"));
+    fileMenu_->setTitle(shown(msg::window::MenuFile));
+    openDatabase_->setText(shown(msg::window::OpenDatabase));
+    openJson_->setText(shown(msg::window::OpenJsonProject));
+    recentMenu_->setTitle(shown(msg::window::RecentFiles));
+    save_->setText(shown(msg::window::Save));
+    saveAs_->setText(shown(msg::window::SaveAs));
+    quit_->setText(shown(msg::window::Quit));
+    editMenu_->setTitle(shown(msg::window::MenuEdit));
+    undo_->setText(shown(msg::window::Undo));
+    redo_->setText(shown(msg::window::Redo));
+    delete_->setText(shown(msg::window::Delete));
+    showProperties_->setText(shown(msg::window::Properties));
+    viewMenu_->setTitle(shown(msg::window::MenuView));
+    languageMenu_->setTitle(shown(msg::window::MenuLanguage));
+    explorerDock_->setWindowTitle(shown(msg::window::ProjectExplorer));
+    propertiesDock_->setWindowTitle(shown(msg::window::PropertiesDock));
+    messagesDock_->setWindowTitle(shown(msg::window::Messages));
+    explorerFilter_->setPlaceholderText(shown(msg::window::FilterPrompt));
+    toolBar_->setWindowTitle(shown(msg::window::Toolbar));
     german_->setChecked(host_.language() == "de");
     english_->setChecked(host_.language() != "de");
     explorer_->retranslate();
@@ -278,9 +279,9 @@ void DesignerWindow::currentObjectChanged(const ObjectRef& object)
 void DesignerWindow::showStatus()
 {
     const auto pipeClass = pages_->pipeClass();
-    classLabel_->setText(pipeClass ? filled("~7d01e Rohrklasse: %1%", text(pipeClass->Name())) : QString());
+    classLabel_->setText(pipeClass ? filled(msg::window::PipeClassIs, text(pipeClass->Name())) : QString());
     projectLabel_->setText(
-        document_ ? filled("~7d035 Projekt: %1%", text(document_->workset()->CurrentProject()->Name())) : QString());
+        document_ ? filled(msg::window::ProjectIs, text(document_->workset()->CurrentProject()->Name())) : QString());
 }
 
 void DesignerWindow::documentChanged()
@@ -292,7 +293,7 @@ void DesignerWindow::documentChanged()
 void DesignerWindow::showTitle()
 {
     const auto name = document_ ? QFileInfo(QString::fromStdString(document_->path().string())).fileName() : QString();
-    setWindowTitle(name + "[*] – " + shown("~7d034 Rohrklassen-Designer"));
+    setWindowTitle(name + "[*] – " + shown(msg::window::DesignerTitle));
     setWindowModified(document_ && document_->isModified());
     if (document_) setWindowFilePath(QString::fromStdString(document_->path().string()));
 }
@@ -319,8 +320,8 @@ bool DesignerWindow::maybeSave()
 {
     if (!document_ || !document_->isModified()) return true;
     const auto answer = QMessageBox::question(
-        this, shown("~7d034 Rohrklassen-Designer"),
-        filled("~7d01f Änderungen an %1% speichern?", QString::fromStdString(document_->path().filename().string())),
+        this, shown(msg::window::DesignerTitle),
+        filled(msg::window::SaveChangesTo, QString::fromStdString(document_->path().filename().string())),
         QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
     if (answer == QMessageBox::Cancel) return false;
     return answer == QMessageBox::Discard || save();
@@ -340,21 +341,19 @@ bool DesignerWindow::save()
         }
     });
     if (done) {
-        statusBar()->showMessage(filled("~7d02c Gespeichert: %1%", QString::fromStdString(document_->path().string())),
+        statusBar()->showMessage(filled(msg::window::SavedTo, QString::fromStdString(document_->path().string())),
                                  kStatusMillis);
         return true;
     }
     if (!changedElsewhere) return false;
     // Another run saved the file since we read it: reload it or keep ours under another name.
-    QMessageBox box(QMessageBox::Warning, shown("~7d034 Rohrklassen-Designer"),
-                    shown("~7d02e Eine andere Sitzung hat die Datei gespeichert, seit sie gelesen wurde."),
+    QMessageBox box(QMessageBox::Warning, shown(msg::window::DesignerTitle), shown(msg::window::FileChangedElsewhere),
                     QMessageBox::Cancel, this);
-    auto* reload = box.addButton(shown("~7d030 Neu laden"), QMessageBox::DestructiveRole);
+    auto* reload = box.addButton(shown(msg::window::Reload), QMessageBox::DestructiveRole);
     auto* elsewhere = box.addButton(saveAs_->text().remove('&'), QMessageBox::AcceptRole);
     box.exec();
     if (box.clickedButton() == elsewhere) return saveAs();
     if (box.clickedButton() == reload) {
-        document_->workset()->appGlobals()->setNavigator(nullptr);
         const auto path = document_->path();
         std::unique_ptr<Document> opened;
         if (act("Reload", [&] { opened = std::make_unique<Document>(path, this); })) setDocument(opened.release());
@@ -366,7 +365,7 @@ bool DesignerWindow::saveAs()
 {
     if (!document_) return false;
     const auto target =
-        QFileDialog::getSaveFileName(this, saveAs_->text().remove('&'), {}, shown("~7d031 Datenbanken (*.pspec)"));
+        QFileDialog::getSaveFileName(this, saveAs_->text().remove('&'), {}, shown(msg::window::DatabaseFiles));
     if (target.isEmpty()) return false;
     auto path = std::filesystem::path(target.toStdString());
     if (path.extension() != ".pspec") path += ".pspec";
@@ -380,7 +379,7 @@ void DesignerWindow::openDialog(bool jsonProject)
 {
     const auto chosen = QFileDialog::getOpenFileName(
         this, (jsonProject ? openJson_ : openDatabase_)->text().remove('&'), {},
-        jsonProject ? shown("~7d032 JSON-Projekte (*.json)") : shown("~7d031 Datenbanken (*.pspec)"));
+        jsonProject ? shown(msg::window::JsonProjectFiles) : shown(msg::window::DatabaseFiles));
     if (!chosen.isEmpty()) open(std::filesystem::path(chosen.toStdString()));
 }
 
@@ -391,9 +390,9 @@ void DesignerWindow::deleteSelected()
     for (const auto& object : explorer_->selectedObjects())
         if (writable(*object)) doomed.push_back(object);
     if (doomed.empty()) return;
-    const auto question = filled("~7d02d %1% Objekte löschen?", QString::number(doomed.size())).toStdString();
+    const auto question = filled(msg::window::DeleteObjects, QString::number(doomed.size())).toStdString();
     if (diagnostics::utilities().MessageBox(question, mb::YesNoExclamation,
-                                            shown("~7d034 Rohrklassen-Designer").toStdString()) != mb::AnswerYes)
+                                            shown(msg::window::DesignerTitle).toStdString()) != mb::AnswerYes)
         return;
     act("Delete", [&] {
         ActionScope action(*document_->workset());

@@ -1,5 +1,7 @@
 #include "designer/MessageDock.h"
 
+#include "diagnostics/Messages.h"
+
 #include <QApplication>
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -20,14 +22,14 @@ namespace {
 constexpr int kMostLines = 20000;
 constexpr int kKindRole = Qt::UserRole + 1;
 
-const char* kindLiteral(HostMessage::Kind kind)
+std::string_view kindLiteral(HostMessage::Kind kind)
 {
     switch (kind) {
-    case HostMessage::Kind::Error: return "~7d025 Fehler";
-    case HostMessage::Kind::Trace: return "~7d026 Ablauf";
-    case HostMessage::Kind::Log: return "~7d027 Protokoll";
+    case HostMessage::Kind::Error: return msg::window::KindError;
+    case HostMessage::Kind::Trace: return msg::window::KindTrace;
+    case HostMessage::Kind::Log: return msg::window::KindLog;
     }
-    return "";
+    return {};
 }
 
 QIcon kindIcon(HostMessage::Kind kind)
@@ -118,13 +120,13 @@ void MessageDock::retranslate()
 {
     const int chosen = kind_->currentIndex();
     kind_->clear();
-    kind_->addItem(shown("~7d024 Alle"), -1);
+    kind_->addItem(shown(msg::window::AllKinds), -1);
     for (const auto kind : {HostMessage::Kind::Error, HostMessage::Kind::Trace, HostMessage::Kind::Log})
         kind_->addItem(kindIcon(kind), shown(kindLiteral(kind)), static_cast<int>(kind));
     kind_->setCurrentIndex(chosen < 0 ? 0 : chosen);
-    filter_->setPlaceholderText(shown("~7d013 Filtern…"));
-    clear_->setText(shown("~7d02a Leeren"));
-    lines_->setHorizontalHeaderLabels({shown("~7d028 Zeit"), shown("~7d029 Art"), shown("~7d02b Text")});
+    filter_->setPlaceholderText(shown(msg::window::FilterPrompt));
+    clear_->setText(shown(msg::window::Clear));
+    lines_->setHorizontalHeaderLabels({shown(msg::window::Time), shown(msg::window::Kind), shown(msg::window::Text)});
     for (int row = 0; row < lines_->rowCount(); ++row) {
         auto* kind = lines_->item(row, 1);
         kind->setText(shown(kindLiteral(static_cast<HostMessage::Kind>(kind->data(kKindRole).toInt()))));

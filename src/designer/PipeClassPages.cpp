@@ -1,6 +1,7 @@
 #include "designer/PipeClassPages.h"
 
 #include "designer/DesignerHost.h"
+#include "diagnostics/Messages.h"
 #include "diagnostics/Translate.h"
 #include "qtplatform/PictureByObject.h"
 
@@ -13,20 +14,14 @@ PipeClassPages::PipeClassPages(QWidget* parent) : QTabWidget(parent)
 {
     setDocumentMode(true);
     pages_ = {
-        {"PipeSpecComp", qtplatform::ObjectKind::Element, "~7d014 Komponentenliste",
-         "~7d018 Die Elemente der Rohrklasse als Liste mit Funktionscode, Nennweitenbereich und Stammobjekt. "
-         "Katalogobjekte aus dem Projekt-Explorer werden hier abgelegt und zu Elementen.",
+        {"PipeSpecComp", qtplatform::ObjectKind::Element, msg::window::ComponentListPage,
+         msg::window::ComponentListPurpose, nullptr, nullptr, nullptr},
+        {"PipeSpecSelector", qtplatform::ObjectKind::Selector, msg::window::SelectorsPage,
+         msg::window::SelectorsPurpose, nullptr, nullptr, nullptr},
+        {"PipeSpecNDRange", qtplatform::ObjectKind::Chapter, msg::window::RangesPage, msg::window::RangesPurpose,
          nullptr, nullptr, nullptr},
-        {"PipeSpecSelector", qtplatform::ObjectKind::Selector, "~7d015 Selektoren",
-         "~7d019 Die Selektorketten der Rohrklasse: ein Reiter je Gruppe von Elementen, eine Spalte je Frage, "
-         "daneben die Eigenschaften des gewählten Selektors.",
-         nullptr, nullptr, nullptr},
-        {"PipeSpecNDRange", qtplatform::ObjectKind::Chapter, "~7d016 Nennweitenbereiche",
-         "~7d01a Die Nennweitenbereiche der Komponenten, ein Reiter je generischem Typ, mit den bevorzugten "
-         "Nennweiten des Typs.",
-         nullptr, nullptr, nullptr},
-        {"PipeCompSearch", qtplatform::ObjectKind::Component, "~7d017 Komponentensuche",
-         "~7d01b Sucht die Komponenten der Rohrklasse nach Funktionscode und Nennweite.", nullptr, nullptr, nullptr},
+        {"PipeCompSearch", qtplatform::ObjectKind::Component, msg::window::ComponentSearchPage,
+         msg::window::ComponentSearchPurpose, nullptr, nullptr, nullptr},
     };
     for (auto& page : pages_) addTab(placeholder(page), qtplatform::pictureOfKind(page.picture), {});
     retranslate();
@@ -93,15 +88,14 @@ void PipeClassPages::showSubject()
 {
     for (const auto& page : pages_) {
         if (!pipeClass_) {
-            page.subject->setText(shown("~7d01d Wählen Sie im Projekt-Explorer eine Rohrklasse."));
+            page.subject->setText(shown(msg::window::ChoosePipeClass));
         } else {
             const auto name =
                 pipeClass_->Name() + (pipeClass_->Description().empty() ? "" : " – " + pipeClass_->Description());
             page.subject->setText(
-                QString::fromStdString(diagnostics::FillPercent1(shown("~7d01e Rohrklasse: %1%").toStdString(), name)));
+                QString::fromStdString(diagnostics::FillPercent1(shown(msg::window::PipeClassIs).toStdString(), name)));
         }
-        page.text->setText(shown(page.purpose) + "\n\n" +
-                           shown("~7d01c Diese Seite folgt in einer späteren Ausbaustufe des Designers."));
+        page.text->setText(shown(page.purpose) + "\n\n" + shown(msg::window::PageComesLater));
     }
 }
 

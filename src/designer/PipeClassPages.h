@@ -11,6 +11,7 @@
 
 #include <QTabWidget>
 
+#include <string_view>
 #include <vector>
 
 class QLabel;
@@ -34,8 +35,8 @@ private:
     struct Page {
         const char* control;
         qtplatform::ObjectKind picture;  // what the page is about
-        const char* caption;             // message literals
-        const char* purpose;
+        std::string_view caption;        // message literals
+        std::string_view purpose;
         QLabel* heading;
         QLabel* subject;
         QLabel* text;

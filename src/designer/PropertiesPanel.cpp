@@ -2,6 +2,7 @@
 
 #include "designer/DesignerHost.h"
 #include "diagnostics/ErrorTail.h"
+#include "diagnostics/Messages.h"
 #include "platform/store/Database.h"
 #include "qtplatform/ObjectTreeView.h"
 
@@ -62,10 +63,10 @@ PropertiesPanel::PropertiesPanel(QWidget* parent)
         return this->write(object, [&](IBaseObject&) { asSpec(object)->SetValue(value); });
     };
     model_ = new qtplatform::ObjectTreeModel(
-        {{"~7d020 Attribut", [](const ObjectRef& o) { return o->Name(); }, {}, {}},
-         {"~7d021 Wert", [](const ObjectRef& o) { return isChapter(o) ? std::string() : asSpec(o)->Value(); },
+        {{msg::window::Attribute, [](const ObjectRef& o) { return o->Name(); }, {}, {}},
+         {msg::window::Value, [](const ObjectRef& o) { return isChapter(o) ? std::string() : asSpec(o)->Value(); },
           [](const ObjectRef& o) { return !isChapter(o) && writable(*o); }, write},
-         {"~0001a Beschreibung", [](const ObjectRef& o) { return o->Description(); }, {}, {}}},
+         {msg::Description, [](const ObjectRef& o) { return o->Description(); }, {}, {}}},
         attributesOf, this);
     attributes_->setModel(model_);
     attributes_->setAlternatingRowColors(true);
@@ -108,7 +109,7 @@ void PropertiesPanel::showFields()
     const bool mayWrite = any && writable(*object_);
     name_->setText(any ? QString::fromStdString(object_->Name()) : QString());
     description_->setText(any ? QString::fromStdString(object_->Description()) : QString());
-    fullName_->setText(any ? QString::fromStdString(object_->SystemFullName()) : shown("~7d033 Kein Objekt gewählt"));
+    fullName_->setText(any ? QString::fromStdString(object_->SystemFullName()) : shown(msg::window::NoObject));
     name_->setReadOnly(!mayWrite);
     description_->setReadOnly(!mayWrite);
     name_->setEnabled(any);
@@ -117,9 +118,9 @@ void PropertiesPanel::showFields()
 
 void PropertiesPanel::retranslate()
 {
-    nameLabel_->setText(shown("~00077 Name"));
-    descriptionLabel_->setText(shown("~0001a Beschreibung"));
-    fullNameLabel_->setText(shown("~7d023 Vollständiger Name"));
+    nameLabel_->setText(shown(msg::Name));
+    descriptionLabel_->setText(shown(msg::Description));
+    fullNameLabel_->setText(shown(msg::window::FullName));
     model_->retranslate();
     showFields();
 }

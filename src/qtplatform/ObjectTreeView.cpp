@@ -1,6 +1,7 @@
 #include "qtplatform/ObjectTreeView.h"
 
 #include "diagnostics/ErrorTail.h"
+#include "diagnostics/Messages.h"
 #include "diagnostics/ServiceRegistry.h"
 #include "objectmodel/Grid.h"
 #include "platform/store/Database.h"
@@ -55,8 +56,8 @@ std::vector<ObjectRef> ownDevices(const ObjectRef& parent)
 }
 
 ObjectTreeModel::ObjectTreeModel(QObject* parent)
-    : ObjectTreeModel({{"~00077 Name", [](const ObjectRef& o) { return shownName(*o); }, {}, {}},
-                       {"~0001a Beschreibung", [](const ObjectRef& o) { return o->Description(); }, {}, {}}},
+    : ObjectTreeModel({{msg::Name, [](const ObjectRef& o) { return shownName(*o); }, {}, {}},
+                       {msg::Description, [](const ObjectRef& o) { return o->Description(); }, {}, {}}},
                       ownDevices, parent)
 {
 }

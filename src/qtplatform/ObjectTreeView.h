@@ -18,6 +18,8 @@
 
 #include <functional>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -39,7 +41,7 @@ using ChildrenOf = std::function<std::vector<ObjectRef>(const ObjectRef& parent)
 // where `editable` says so; the write reports its own failures and answers
 // whether it took.
 struct TreeColumn {
-    std::string title;
+    std::string_view title;  // a literal that lives as long as the program
     std::function<std::string(const ObjectRef&)> text;
     std::function<bool(const ObjectRef&)> editable;
     std::function<bool(const ObjectRef&, const std::string&)> write;
