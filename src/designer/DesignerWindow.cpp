@@ -421,6 +421,7 @@ bool DesignerWindow::reveal(const ObjectRef& object)
 
 void DesignerWindow::rememberRecent(const QString& path)
 {
+    if (!remembersFiles_) return;
     QSettings settings;
     auto recent = settings.value("recentFiles").toStringList();
     recent.removeAll(path);

@@ -47,6 +47,8 @@ public:
     // Opens a database or a JSON project (the user's own database for none);
     // a failure is shown and the open document stays. False if not opened.
     bool open(const std::optional<std::filesystem::path>& path);
+    // Whether opened and saved files join the recent files (not for a screenshot).
+    void setRemembersFiles(bool on) { remembersFiles_ = on; }
     // Saves; a JSON project asks for a database file to save as. False when
     // nothing was saved.
     bool save();
@@ -104,7 +106,8 @@ private:
     QDockWidget* messagesDock_;
     QLabel* projectLabel_;
     QLabel* classLabel_;
-    QString lastError_;  // the newest error report, for the status bar
+    QString lastError_;
+    bool remembersFiles_ = true;  // the newest error report, for the status bar
 
     QToolBar* toolBar_ = nullptr;
     QMenu* fileMenu_ = nullptr;

@@ -94,6 +94,7 @@ int main(int argc, char* argv[])
     host.setLanguage(language.toStdString());
 
     DesignerWindow window(host);
+    window.setRemembersFiles(!options.isSet("screenshot"));
     std::optional<std::filesystem::path> file;
     if (!options.positionalArguments().isEmpty()) file = options.positionalArguments().front().toStdString();
     if (!window.open(file)) return kDatabase;

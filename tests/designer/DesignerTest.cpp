@@ -104,7 +104,16 @@ TEST_F(DesignerTest, AnEditIsOneUndoStepAndMarksTheTitle)
     EXPECT_TRUE(window.isWindowModified());
     EXPECT_TRUE(window.undoAction().isEnabled());
 
-    // Ctrl+Z takes it back, Ctrl+Y puts it back; the dock shows each.
+    // A second action is a second step, though nothing else came between.
+    auto* description = window.properties().findChildren<QLineEdit*>().value(1);
+    description->setText("Changed");
+    emit description->editingFinished();
+    EXPECT_EQ(window.document()->undoState()->undoSteps(), 2u);
+
+    // Ctrl+Z takes back the newest, Ctrl+Y puts it back; the dock shows each.
+    QTest::keyClick(&window, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(pipeClass->Spec("NR.DNFROM")->Value(), "25");
+    EXPECT_EQ(description->text().toStdString(), "Rohrklasse A1, PN16, C-Stahl");
     QTest::keyClick(&window, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(pipeClass->Spec("NR.DNFROM")->Value(), "15");
     EXPECT_EQ(valueCell("NR", "DNFROM").data().toString(), "15");
