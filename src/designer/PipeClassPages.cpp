@@ -41,7 +41,7 @@ QWidget* PipeClassPages::placeholder(Page& page)
     page.heading->setFont(large);
     page.subject->setTextInteractionFlags(Qt::TextSelectableByMouse);
     page.text->setWordWrap(true);
-    page.text->setMaximumWidth(560);
+    page.text->setFixedWidth(560);
     auto* picture = new QLabel(widget);
     picture->setPixmap(qtplatform::pictureOfKind(page.picture).pixmap(32, 32));
     auto* layout = new QVBoxLayout(widget);
@@ -96,6 +96,8 @@ void PipeClassPages::showSubject()
                 QString::fromStdString(diagnostics::FillPercent1(shown(msg::window::PipeClassIs).toStdString(), name)));
         }
         page.text->setText(shown(page.purpose) + "\n\n" + shown(msg::window::PageComesLater));
+        // A centred layout gives a wrapped label the height of one line per break, not per wrap.
+        page.text->setMinimumHeight(page.text->heightForWidth(page.text->width()));
     }
 }
 
