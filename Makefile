@@ -1,6 +1,7 @@
-# The two everyday commands: `make run` (the command line on the user's
+# The two everyday commands: `make run` (the designer window on the user's
 # database, made from the bundled sample project) and `make test`. Both
-# install what is missing first.
+# install what is missing first. Without a display, `make run` says how to
+# use the command line and how to take screenshots instead.
 PRESET ?= dev
 BUILD := build/$(PRESET)
 
@@ -15,8 +16,16 @@ configure: setup
 build: configure
 	cmake --build --preset $(PRESET)
 
+DESIGNER := $(BUILD)/bin/pipespec-designer
+
 run: build
-	$(BUILD)/bin/pipespec validate --class "PC-A1-DIN"
+	@if [ -z "$$DISPLAY" ] && [ -z "$$WAYLAND_DISPLAY" ]; then \
+	  echo "No display (DISPLAY and WAYLAND_DISPLAY are unset), so the designer window cannot open."; \
+	  echo "  The command line instead:  $(BUILD)/bin/pipespec --help   e.g. $(BUILD)/bin/pipespec validate --class PC-A1-DIN"; \
+	  echo "  A screenshot instead:      $(DESIGNER) --screenshot designer.png --class PC-A1-DIN --page PipeSpecSelector --lang en"; \
+	else \
+	  $(DESIGNER); \
+	fi
 
 test: build
 	ctest --preset $(PRESET)

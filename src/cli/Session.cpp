@@ -48,24 +48,12 @@ diagnostics::LanguageTable languageOf(const Arguments& args)
     return diagnostics::LanguageTable::load(diagnostics::LanguageTable::shippedPath(language));
 }
 
-// The project and its base projects, nearest first.
-std::vector<std::shared_ptr<platform::StoreProject>> projectChain(const ProjectRef& project)
-{
-    std::vector<std::shared_ptr<platform::StoreProject>> chain;
-    for (auto p = std::dynamic_pointer_cast<platform::StoreProject>(project); p;
-         p = std::dynamic_pointer_cast<platform::StoreProject>(p->BaseProject()))
-        chain.push_back(p);
-    return chain;
-}
-
-// The file --db names, else the user's own, whose folder the first run makes.
+// The file --db names, else the user's own.
 DatabaseFile openDatabase(const Arguments& args, DatabaseFile::Use use)
 {
-    const auto defaultNames = platform::JsonNameTable::load(platform::JsonNameTable::shippedPath());
-    if (const auto given = args.option("--db")) return DatabaseFile::open(*given, use, *defaultNames, std::cerr);
-    const auto path = defaultDatabasePath();
-    std::filesystem::create_directories(path.parent_path());
-    return DatabaseFile::open(path, use, *defaultNames, std::cerr);
+    std::optional<std::filesystem::path> given;
+    if (const auto db = args.option("--db")) given = *db;
+    return DatabaseFile::openOrDefault(given, use, std::cerr);
 }
 }  // namespace
 
@@ -93,7 +81,7 @@ std::vector<DeviceRef> Session::catalogueComponents() const
         return !d->IsFolder() && (d->Spec(names.GD().VFCD()) || d->Spec(names.Pipe().VSTD()));
     };
     std::vector<DeviceRef> components;
-    for (const auto& project : projectChain(currentProject()))
+    for (const auto& project : platform::projectChain(currentProject()))
         if (const auto root = project->root(kCatalogueRoot)) collect(root, isComponent, components);
     return components;
 }
@@ -101,7 +89,7 @@ std::vector<DeviceRef> Session::catalogueComponents() const
 std::vector<DeviceRef> Session::pipeClasses() const
 {
     std::vector<DeviceRef> classes;
-    for (const auto& project : projectChain(currentProject()))
+    for (const auto& project : platform::projectChain(currentProject()))
         for (const auto& root : project->roots().items())
             collect(
                 root, [](const DeviceRef& d) { return addtopipeclass::IsPipeClass(d); }, classes);

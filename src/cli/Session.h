@@ -6,9 +6,9 @@
 // look-ups of pipe classes and catalogue components by the words a user types.
 
 #include "cli/Arguments.h"
-#include "cli/DatabaseFile.h"
 #include "diagnostics/HeadlessHost.h"
 #include "objectmodel/TextHash.h"
+#include "platform/DatabaseFile.h"
 
 #include <nlohmann/json_fwd.hpp>
 
@@ -18,6 +18,8 @@
 #include <vector>
 
 namespace pipespec::cli {
+
+using platform::DatabaseFile;
 
 // The options every subcommand takes besides its own.
 inline const std::vector<std::string> kCommonFlags{"--json"};

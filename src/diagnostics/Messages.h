@@ -175,6 +175,125 @@ inline constexpr std::array all{
     ChapterCardNotFound,
 };
 
+// The designer window's own texts.
+namespace window {
+
+inline constexpr std::string_view MenuFile = "~7d001 &Datei";
+inline constexpr std::string_view OpenDatabase = "~7d002 Datenbank ö&ffnen…";
+inline constexpr std::string_view OpenJsonProject = "~7d003 &JSON-Projekt öffnen…";
+inline constexpr std::string_view Save = "~7d004 &Speichern";
+inline constexpr std::string_view SaveAs = "~7d005 Speichern &unter…";
+inline constexpr std::string_view RecentFiles = "~7d006 &Zuletzt geöffnet";
+inline constexpr std::string_view Quit = "~7d007 &Beenden";
+inline constexpr std::string_view MenuEdit = "~7d008 &Bearbeiten";
+inline constexpr std::string_view Undo = "~7d009 &Rückgängig";
+inline constexpr std::string_view Redo = "~7d00a &Wiederholen";
+inline constexpr std::string_view Delete = "~7d00b &Löschen";
+inline constexpr std::string_view Properties = "~7d00c &Eigenschaften";
+inline constexpr std::string_view MenuView = "~7d00d &Ansicht";
+inline constexpr std::string_view MenuLanguage = "~7d00e &Sprache";
+inline constexpr std::string_view ProjectExplorer = "~7d010 Projekt-Explorer";
+inline constexpr std::string_view PropertiesDock = "~7d011 Eigenschaften";
+inline constexpr std::string_view Messages = "~7d012 Meldungen";
+inline constexpr std::string_view FilterPrompt = "~7d013 Filtern…";
+inline constexpr std::string_view ComponentListPage = "~7d014 Komponentenliste";
+inline constexpr std::string_view SelectorsPage = "~7d015 Selektoren";
+inline constexpr std::string_view RangesPage = "~7d016 Nennweitenbereiche";
+inline constexpr std::string_view ComponentSearchPage = "~7d017 Komponentensuche";
+inline constexpr std::string_view ComponentListPurpose =
+    "~7d018 Die Elemente der Rohrklasse als Liste mit Funktionscode, Nennweitenbereich und Stammobjekt. Katalogobjekte "
+    "aus dem Projekt-Explorer werden hier abgelegt und zu Elementen.";
+inline constexpr std::string_view SelectorsPurpose =
+    "~7d019 Die Selektorketten der Rohrklasse: ein Reiter je Gruppe von Elementen, eine Spalte je Frage, daneben die "
+    "Eigenschaften des gewählten Selektors.";
+inline constexpr std::string_view RangesPurpose = "~7d01a Die Nennweitenbereiche der Komponenten, ein Reiter je "
+                                                  "generischem Typ, mit den bevorzugten Nennweiten des Typs.";
+inline constexpr std::string_view ComponentSearchPurpose =
+    "~7d01b Sucht die Komponenten der Rohrklasse nach Funktionscode und Nennweite.";
+inline constexpr std::string_view PageComesLater =
+    "~7d01c Diese Seite folgt in einer späteren Ausbaustufe des Designers.";
+inline constexpr std::string_view ChoosePipeClass = "~7d01d Wählen Sie im Projekt-Explorer eine Rohrklasse.";
+inline constexpr std::string_view PipeClassIs = "~7d01e Rohrklasse: %1%";
+inline constexpr std::string_view SaveChangesTo = "~7d01f Änderungen an %1% speichern?";
+inline constexpr std::string_view Attribute = "~7d020 Attribut";
+inline constexpr std::string_view Value = "~7d021 Wert";
+inline constexpr std::string_view FullName = "~7d023 Vollständiger Name";
+inline constexpr std::string_view AllKinds = "~7d024 Alle";
+inline constexpr std::string_view KindError = "~7d025 Fehler";
+inline constexpr std::string_view KindTrace = "~7d026 Ablauf";
+inline constexpr std::string_view KindLog = "~7d027 Protokoll";
+inline constexpr std::string_view Time = "~7d028 Zeit";
+inline constexpr std::string_view Kind = "~7d029 Art";
+inline constexpr std::string_view Clear = "~7d02a Leeren";
+inline constexpr std::string_view Text = "~7d02b Text";
+inline constexpr std::string_view SavedTo = "~7d02c Gespeichert: %1%";
+inline constexpr std::string_view DeleteObjects = "~7d02d %1% Objekte löschen?";
+inline constexpr std::string_view FileChangedElsewhere =
+    "~7d02e Eine andere Sitzung hat die Datei gespeichert, seit sie gelesen wurde.";
+inline constexpr std::string_view Reload = "~7d030 Neu laden";
+inline constexpr std::string_view DatabaseFiles = "~7d031 Datenbanken (*.pspec)";
+inline constexpr std::string_view JsonProjectFiles = "~7d032 JSON-Projekte (*.json)";
+inline constexpr std::string_view NoObject = "~7d033 Kein Objekt gewählt";
+inline constexpr std::string_view DesignerTitle = "~7d034 Rohrklassen-Designer";
+inline constexpr std::string_view ProjectIs = "~7d035 Projekt: %1%";
+inline constexpr std::string_view Toolbar = "~7d036 Werkzeugleiste";
+
+inline constexpr std::array all{
+    MenuFile,
+    OpenDatabase,
+    OpenJsonProject,
+    Save,
+    SaveAs,
+    RecentFiles,
+    Quit,
+    MenuEdit,
+    Undo,
+    Redo,
+    Delete,
+    Properties,
+    MenuView,
+    MenuLanguage,
+    ProjectExplorer,
+    PropertiesDock,
+    Messages,
+    FilterPrompt,
+    ComponentListPage,
+    SelectorsPage,
+    RangesPage,
+    ComponentSearchPage,
+    ComponentListPurpose,
+    SelectorsPurpose,
+    RangesPurpose,
+    ComponentSearchPurpose,
+    PageComesLater,
+    ChoosePipeClass,
+    PipeClassIs,
+    SaveChangesTo,
+    Attribute,
+    Value,
+    FullName,
+    AllKinds,
+    KindError,
+    KindTrace,
+    KindLog,
+    Time,
+    Kind,
+    Clear,
+    Text,
+    SavedTo,
+    DeleteObjects,
+    FileChangedElsewhere,
+    Reload,
+    DatabaseFiles,
+    JsonProjectFiles,
+    NoObject,
+    DesignerTitle,
+    ProjectIs,
+    Toolbar,
+};
+
+}  // namespace window
+
 }  // namespace msg
 
 namespace cls {

@@ -453,4 +453,13 @@ ObjectRef Database::objectByFullName(std::string_view fullName, const StoreProje
     return object->Spec(nested);
 }
 
+std::vector<std::shared_ptr<StoreProject>> projectChain(const ProjectRef& project)
+{
+    std::vector<std::shared_ptr<StoreProject>> chain;
+    for (auto p = std::dynamic_pointer_cast<StoreProject>(project); p;
+         p = std::dynamic_pointer_cast<StoreProject>(p->BaseProject()))
+        chain.push_back(p);
+    return chain;
+}
+
 }  // namespace pipespec::platform

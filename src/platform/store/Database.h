@@ -237,6 +237,9 @@ private:
     std::shared_ptr<StoreWorkset> workset_;
 };
 
+// The project and its base projects, nearest first.
+std::vector<std::shared_ptr<StoreProject>> projectChain(const ProjectRef& project);
+
 // The next running number for UniqueId.
 std::uint64_t nextUniqueNumber();
 // Makes the running numbers go on above `used`, which a loaded object keeps.

@@ -1,4 +1,4 @@
-#include "cli/DatabaseFile.h"
+#include "platform/DatabaseFile.h"
 
 #include "objectmodel/Errors.h"
 #include "objectmodel/JsonInput.h"
@@ -9,13 +9,11 @@
 #include <fstream>
 #include <system_error>
 
-namespace pipespec::cli {
+namespace pipespec::platform {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-using platform::ProjectFile;
 
 bool isJsonProjectPath(const fs::path& path) { return path.extension() == ".json"; }
 
@@ -27,8 +25,8 @@ bool writeProtected(const fs::path& path)
     return (fs::status(path).permissions() & anyWrite) == fs::perms::none;
 }
 
-std::shared_ptr<const platform::JsonNameTable> namesOf(const ProjectFile& file, const fs::path& path,
-                                                       const platform::JsonNameTable& defaultNames)
+std::shared_ptr<const JsonNameTable> namesOf(const ProjectFile& file, const fs::path& path,
+                                             const JsonNameTable& defaultNames)
 {
     return defaultNames.overlaid(
         parseJson(file.nameOverrides(), "Database file " + path.string() + " is damaged: its name table text"),
@@ -51,25 +49,24 @@ fs::path defaultDatabasePath()
     return base / "pipespec" / "sample.pspec";
 }
 
-DatabaseFile::DatabaseFile(fs::path path, std::optional<ProjectFile> file, platform::LoadedDatabase loaded)
+DatabaseFile::DatabaseFile(fs::path path, std::optional<ProjectFile> file, LoadedDatabase loaded)
     : path_(std::move(path)),
       file_(std::move(file)),
       loaded_(std::move(loaded))
 {
 }
 
-DatabaseFile DatabaseFile::open(const fs::path& path, Use use, const platform::JsonNameTable& defaultNames,
-                                std::ostream& notes)
+DatabaseFile DatabaseFile::open(const fs::path& path, Use use, const JsonNameTable& defaultNames, std::ostream& notes)
 {
     // A pipe or a device would block the first read for ever.
     std::error_code ignored;
     if (const auto status = fs::status(path, ignored); fs::exists(status) && !fs::is_regular_file(status))
         throw PlatformError(err::FileAccess, "Database file " + path.string() + " is not a regular file");
     if (isJsonProjectPath(path)) {
-        return DatabaseFile(path, std::nullopt, platform::loadJsonProject(path, defaultNames));
+        return DatabaseFile(path, std::nullopt, loadJsonProject(path, defaultNames));
     }
     if (!fs::exists(path)) {
-        auto sample = platform::loadJsonProject(platform::sampleProjectPath(), defaultNames);
+        auto sample = loadJsonProject(sampleProjectPath(), defaultNames);
         auto file = ProjectFile::create(path, sample.database, sample.nameOverrides);
         notes << "pipespec: made the database " << path.string() << " from the sample project\n";
         return DatabaseFile(path, std::move(file), std::move(sample));
@@ -79,20 +76,28 @@ DatabaseFile DatabaseFile::open(const fs::path& path, Use use, const platform::J
                             "Database file " + path.string() + " is write-protected; nothing is changed");
     auto file =
         ProjectFile::open(path, use == Use::Read ? ProjectFile::Access::ReadOnly : ProjectFile::Access::ReadWrite);
-    platform::LoadedDatabase loaded{file.database(), namesOf(file, path, defaultNames), file.nameOverrides()};
+    LoadedDatabase loaded{file.database(), namesOf(file, path, defaultNames), file.nameOverrides()};
     return DatabaseFile(path, std::move(file), std::move(loaded));
+}
+
+DatabaseFile DatabaseFile::openOrDefault(const std::optional<fs::path>& given, Use use, std::ostream& notes)
+{
+    const auto defaultNames = JsonNameTable::load(JsonNameTable::shippedPath());
+    if (given) return open(*given, use, *defaultNames, notes);
+    const auto path = defaultDatabasePath();
+    fs::create_directories(path.parent_path());
+    return open(path, use, *defaultNames, notes);
 }
 
 ProjectFile& DatabaseFile::changeable(std::string_view doing)
 {
     if (!file_)
         throw PlatformError(err::ReadOnly, "Project file " + path_.string() +
-                                               " is a JSON project, which the command line only reads; " +
-                                               std::string(doing));
+                                               " is a JSON project, which is only read; " + std::string(doing));
     return *file_;
 }
 
-platform::SaveSummary DatabaseFile::save() { return changeable("nothing is saved").save(); }
+SaveSummary DatabaseFile::save() { return changeable("nothing is saved").save(); }
 
 bool DatabaseFile::undo() { return replay(&ProjectFile::undo, "nothing is undone"); }
 bool DatabaseFile::redo() { return replay(&ProjectFile::redo, "nothing is redone"); }
@@ -114,4 +119,4 @@ void DatabaseFile::saveAs(const fs::path& target)
     path_ = target;
 }
 
-}  // namespace pipespec::cli
+}  // namespace pipespec::platform

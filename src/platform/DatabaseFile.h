@@ -1,11 +1,11 @@
 #pragma once
 
-// Where the command line keeps its database and how a run opens it. The
-// database is one file of our own format; the first run makes it from the
-// bundled sample project, in the user's data directory unless --db names
-// another path. A JSON project named by --db is read as it is and never
-// written: that format is for reading and exchange, and a run that changes
-// it says that nothing was saved.
+// Where the user's database lives and how a program opens it: the command
+// line and the designer alike. The database is one file of our own format;
+// the first run makes it from the bundled sample project, in the user's data
+// directory unless another path is given. A JSON project is read as it is and
+// never written: that format is for reading and exchange, and a run that
+// changes it says that nothing was saved.
 
 #include "platform/JsonNameTable.h"
 #include "platform/JsonProject.h"
@@ -19,7 +19,7 @@
 #include <string>
 #include <string_view>
 
-namespace pipespec::cli {
+namespace pipespec::platform {
 
 // $XDG_DATA_HOME/pipespec/sample.pspec, else ~/.local/share/pipespec/sample.pspec.
 std::filesystem::path defaultDatabasePath();
@@ -33,18 +33,21 @@ public:
 
     // Opens `path`; a database file that does not exist yet is made from the
     // sample project first, and `notes` is told so.
-    static DatabaseFile open(const std::filesystem::path& path, Use use, const platform::JsonNameTable& defaultNames,
+    static DatabaseFile open(const std::filesystem::path& path, Use use, const JsonNameTable& defaultNames,
                              std::ostream& notes);
+    // Opens `given`, else the user's own database (defaultDatabasePath, its
+    // folder made on the first run), with the shipped name table.
+    static DatabaseFile openOrDefault(const std::optional<std::filesystem::path>& given, Use use, std::ostream& notes);
 
-    const std::shared_ptr<platform::Database>& database() const { return loaded_.database; }
-    const std::shared_ptr<const platform::JsonNameTable>& names() const { return loaded_.names; }
+    const std::shared_ptr<Database>& database() const { return loaded_.database; }
+    const std::shared_ptr<const JsonNameTable>& names() const { return loaded_.names; }
     const std::filesystem::path& path() const { return path_; }
     // A JSON project is read only; a database file is kept.
     bool isJsonProject() const { return !file_; }
 
     // Writes this run's changes to the database file: error ReadOnly for a
     // JSON project or a file opened to read.
-    platform::SaveSummary save();
+    SaveSummary save();
     // Takes back the newest saved change of the database file, or puts back
     // the newest one taken back; false when there is none. The database is
     // read anew. Error ReadOnly for a JSON project or a file opened to read.
@@ -58,15 +61,14 @@ public:
 
 private:
     // The file to change: error ReadOnly for a JSON project, saying what was not done.
-    platform::ProjectFile& changeable(std::string_view doing);
-    bool replay(bool (platform::ProjectFile::*step)(), std::string_view refused);
+    ProjectFile& changeable(std::string_view doing);
+    bool replay(bool (ProjectFile::*step)(), std::string_view refused);
 
-    DatabaseFile(std::filesystem::path path, std::optional<platform::ProjectFile> file,
-                 platform::LoadedDatabase loaded);
+    DatabaseFile(std::filesystem::path path, std::optional<ProjectFile> file, LoadedDatabase loaded);
 
     std::filesystem::path path_;
-    std::optional<platform::ProjectFile> file_;
-    platform::LoadedDatabase loaded_;
+    std::optional<ProjectFile> file_;
+    LoadedDatabase loaded_;
 };
 
-}  // namespace pipespec::cli
+}  // namespace pipespec::platform
