@@ -1,14 +1,16 @@
 #pragma once
 
-// The host services of the designer window: the logic's trace lines and
-// error reports go to the message dock as they come, texts are translated in
-// the language the user chose, and message boxes are real ones. Without a
-// user (a screenshot run, a test) the boxes are answered as the headless host
-// answers them, so that nothing waits for a click nobody makes.
+// The host services of the designer window: the screen's utilities (real
+// message boxes, forms over the window, the language switched while running)
+// with the logic's trace lines, error reports and log lines passed to the
+// message dock as they come. Before the window is set (a screenshot run, a
+// test) boxes are answered as the headless host answers them, so that
+// nothing waits for a click nobody makes.
 
 #include "diagnostics/HeadlessHost.h"
 #include "diagnostics/ServiceRegistry.h"
 #include "objectmodel/ServiceInterfaces.h"
+#include "qtplatform/QtHost.h"
 
 #include <QObject>
 #include <QString>
@@ -37,22 +39,19 @@ public:
     void setNames(std::shared_ptr<const INameTable> names);
     // "de" is the literals' own language; any other is a shipped table.
     void setLanguage(const std::string& language);
-    const std::string& language() const { return language_; }
-    // The window message boxes belong to; none: boxes are answered unseen.
-    void setWindow(QWidget* window) { window_ = window; }
+    const std::string& language() const { return utilities_->language(); }
+    // The window message boxes and forms belong to; none: boxes are answered unseen.
+    void setWindow(QWidget* window) { utilities_->setMainWindow(window); }
 
 signals:
     void message(const pipespec::designer::HostMessage& message);
 
 private:
     class Tools;
-    class Utilities;
-    void tell(HostMessage::Kind kind, const std::string& text);
+    void tell(HostMessage::Kind kind, std::string_view text);
 
-    std::string language_ = "de";
-    QWidget* window_ = nullptr;
     std::shared_ptr<Tools> tools_;
-    std::shared_ptr<Utilities> utilities_;
+    std::shared_ptr<qtplatform::QtUtilities> utilities_;
     std::unique_ptr<diagnostics::ScopedService<IGlobalTools>> toolsInstalled_;
     std::unique_ptr<diagnostics::ScopedService<IUtilities>> utilitiesInstalled_;
 };

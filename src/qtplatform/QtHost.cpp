@@ -104,10 +104,28 @@ int QtLook::Color(int number) const
 
 QtUtilities::QtUtilities(QWidget* mainWindow) : mainWindow_(std::make_shared<QtMainWindow>(mainWindow)) {}
 
+void QtUtilities::setMainWindow(QWidget* mainWindow) { mainWindow_ = std::make_shared<QtMainWindow>(mainWindow); }
+
+void QtUtilities::setListeners(Listener reports, Listener log)
+{
+    reports_ = std::move(reports);
+    log_ = std::move(log);
+}
+
+void QtUtilities::WriteLog(std::string_view text)
+{
+    kept_.WriteLog(text);
+    if (log_) log_(text);
+}
+
 void QtUtilities::ReportError(const ErrorInfo& error, std::string_view cls, std::string_view function) noexcept
 {
     kept_.ReportError(error, cls, function);
     try {
+        if (reports_)
+            reports_(std::string(cls) + " " + std::string(function) + ": " + std::to_string(error.Number) + " " +
+                     error.Description);
+        if (!mainWindow_->window()) return;
         auto* box =
             new QMessageBox(QMessageBox::Critical, qt(cls),  // Deleted as it closes.
                             qt(error.Description) + "\n\n" + qt(function) + " (" + QString::number(error.Number) + ")",
@@ -116,12 +134,13 @@ void QtUtilities::ReportError(const ErrorInfo& error, std::string_view cls, std:
         box->setObjectName("error");
         box->open();
     } catch (...) {
-        // The report is kept; a box that cannot be shown is no new failure.
+        // The report is kept; a line or box that cannot be shown is no new failure.
     }
 }
 
 int QtUtilities::MessageBox(std::string_view text, int flags, std::string_view title)
 {
+    if (!mainWindow_->window()) return kept_.MessageBox(text, flags, title);
     QMessageBox box(boxIcon(flags), qt(title), qt(text), QMessageBox::NoButton, mainWindow_->window());
     const auto buttons = buttonSet(flags);
     for (const auto& entry : buttons) box.addButton(entry.button);

@@ -13,6 +13,7 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -54,17 +55,24 @@ class QtUtilities final : public IUtilities {
 public:
     // `mainWindow`: the designer's window, over which boxes and forms open.
     explicit QtUtilities(QWidget* mainWindow = nullptr);
+    void setMainWindow(QWidget* mainWindow);
 
-    // Kept as the headless host keeps it, and shown in a box that does not
-    // wait: the handler that reported goes on.
+    // Who hears each error report and log line as it comes, besides what
+    // is kept (the designer's message dock).
+    using Listener = std::function<void(std::string_view text)>;
+    void setListeners(Listener reports, Listener log);
+
+    // Kept as the headless host keeps it, and, with a main window, shown in
+    // a box that does not wait: the handler that reported goes on.
     void ReportError(const ErrorInfo& error, std::string_view cls, std::string_view function) noexcept override;
     std::string Translate(std::string_view text) const override { return kept_.Translate(text); }
     void BeginRefresh() override { kept_.BeginRefresh(); }
-    void WriteLog(std::string_view text) override { kept_.WriteLog(text); }
+    void WriteLog(std::string_view text) override;
     std::shared_ptr<IMainWindow> MainWindow() const override { return mainWindow_; }
     // A modal box over the main window: the flags' button set and icon, the
     // number of the button pressed; closed without a button, the box's
-    // escape button answers.
+    // escape button answers. Without a main window nobody would see the box
+    // (a test, a screenshot run): answered as the headless host answers.
     int MessageBox(std::string_view text, int flags, std::string_view title) override;
     std::shared_ptr<ILook> Look() const override { return look_; }
     std::string StandardTablePath(int number) const override { return kept_.StandardTablePath(number); }
@@ -84,6 +92,8 @@ private:
     std::shared_ptr<QtMainWindow> mainWindow_;
     std::shared_ptr<QtLook> look_ = std::make_shared<QtLook>();
     std::string language_ = "de";
+    Listener reports_;
+    Listener log_;
 };
 
 }  // namespace pipespec::qtplatform
