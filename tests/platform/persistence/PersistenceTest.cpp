@@ -307,84 +307,66 @@ TEST_F(PersistenceTest, UndoneAndRedoneChangesAreSavedAsWell)
 
 TEST_F(PersistenceTest, AFileThatIsNotOursTooNewOrDamagedIsRefusedAndLeftAsItWas)
 {
-    const auto refused = [](const std::filesystem::path& path) {
+    // What opening says of a file it must refuse as not right, leaving it as it was.
+    const auto refusal = [](const std::filesystem::path& path) {
         const auto before = bytesOf(path);
-        const auto number = errorNumber([&] { ProjectFile::open(path); });
-        EXPECT_EQ(bytesOf(path), before) << path;
-        return number;
-    };
-
-    const auto text = directory / "notes.txt";
-    std::ofstream(text) << "not a database at all, but long enough to look like a header or two.\n";
-    EXPECT_EQ(refused(text), err::Configuration);
-
-    const auto foreign = directory / "foreign.db";
-    platform::sqlite::Connection::open(foreign, platform::sqlite::Connection::Mode::Create).exec("CREATE TABLE t(x)");
-    EXPECT_EQ(refused(foreign), err::Configuration);
-
-    RichWorld world;
-    ProjectFile::create(file, world.database());
-    const auto newer = directory / "newer.pspec";
-    std::filesystem::copy_file(file, newer);
-    platform::sqlite::Connection::open(newer, platform::sqlite::Connection::Mode::ReadWrite)
-        .exec("PRAGMA user_version = 99");
-    EXPECT_EQ(refused(newer), err::Configuration);
-    try {
-        ProjectFile::open(newer);
-    } catch (const PlatformError& e) {
-        EXPECT_THAT(e.what(), HasSubstr("newer version"));
-    }
-
-    const auto badQuery = directory / "bad-query.pspec";
-    std::filesystem::copy_file(file, badQuery);
-    platform::sqlite::Connection::open(badQuery, platform::sqlite::Connection::Mode::ReadWrite)
-        .exec(R"(UPDATE query_containers SET stored = '{"columns": [], "filters": []}')");
-    EXPECT_EQ(refused(badQuery), err::Configuration);
-
-    // Damage done with SQL to copies of a good file: each is refused naming the file.
-    const auto damagedBy = [&](const std::string& name, const std::string& sql) {
-        const auto copy = directory / name;
-        std::filesystem::copy_file(file, copy);
-        platform::sqlite::Connection::open(copy, platform::sqlite::Connection::Mode::ReadWrite).exec(sql);
-        const auto before = bytesOf(copy);
         try {
-            ProjectFile::open(copy);
+            ProjectFile::open(path);
         } catch (const PlatformError& e) {
-            EXPECT_EQ(e.number(), err::Configuration) << name;
-            EXPECT_EQ(bytesOf(copy), before) << name;
+            EXPECT_EQ(e.number(), err::Configuration) << path;
+            EXPECT_EQ(bytesOf(path), before) << path;
             return std::string(e.what());
         }
         return std::string("accepted");
     };
+    const auto text = directory / "notes.txt";
+    std::ofstream(text) << "not a database at all, but long enough to look like a header or two.\n";
+    EXPECT_NE(refusal(text), "accepted");
+    const auto foreign = directory / "foreign.db";
+    platform::sqlite::Connection::open(foreign, platform::sqlite::Connection::Mode::Create).exec("CREATE TABLE t(x)");
+    EXPECT_NE(refusal(foreign), "accepted");
+
+    // Copies of a good file changed with SQL: each is refused naming the file.
+    RichWorld world;
+    ProjectFile::create(file, world.database());
+    const auto changedBy = [&](const std::string& name, const std::string& sql) {
+        const auto copy = directory / name;
+        std::filesystem::copy_file(file, copy);
+        platform::sqlite::Connection::open(copy, platform::sqlite::Connection::Mode::ReadWrite).exec(sql);
+        return copy;
+    };
+    EXPECT_THAT(refusal(changedBy("newer.pspec", "PRAGMA user_version = 99")), HasSubstr("newer version"));
+    EXPECT_NE(refusal(changedBy("bad-query.pspec",
+                                R"(UPDATE query_containers SET stored = '{"columns": [], "filters": []}')")),
+              "accepted");
     const std::string firstDevice = "(SELECT min(id) FROM objects WHERE kind = 2)";
     const std::string lastDevice = "(SELECT max(id) FROM objects WHERE kind = 2)";
-    EXPECT_THAT(damagedBy("self.pspec", "UPDATE objects SET owner = id WHERE id = " + firstDevice),
+    EXPECT_THAT(refusal(changedBy("self.pspec", "UPDATE objects SET owner = id WHERE id = " + firstDevice)),
                 HasSubstr("self.pspec is damaged: object"));
-    EXPECT_THAT(damagedBy("circle.pspec", "UPDATE objects SET owner = " + lastDevice + " WHERE id = " + firstDevice +
-                                              ";" + "UPDATE objects SET owner = " + firstDevice +
-                                              " WHERE id = " + lastDevice),
+    EXPECT_THAT(refusal(changedBy("circle.pspec",
+                                  "UPDATE objects SET owner = " + lastDevice + " WHERE id = " + firstDevice + ";" +
+                                      "UPDATE objects SET owner = " + firstDevice + " WHERE id = " + lastDevice)),
                 HasSubstr("its owners go round in a circle"));
-    EXPECT_THAT(damagedBy("deep.pspec",
+    EXPECT_THAT(
+        refusal(changedBy("deep.pspec",
                           "WITH RECURSIVE chain(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM chain WHERE n < 100000) "
                           "INSERT INTO objects(name, id, kind, project, owner, position) "
                           "SELECT 'D' || n, 10000000 + n, 2, 'PLANT', 10000000 + n - 1, 0 FROM chain;"
                           "UPDATE objects SET owner = " +
-                              firstDevice + " WHERE id = 10000001"),
-                HasSubstr("deep.pspec is damaged: its objects nest deeper than 256 levels"));
-    EXPECT_THAT(damagedBy("link.pspec", "UPDATE objects SET link = '99999999999999999999|001#GD.X' WHERE kind = 3"),
-                HasSubstr("link.pspec is damaged: a link names object 99999999999999999999"));
+                              firstDevice + " WHERE id = 10000001")),
+        HasSubstr("deep.pspec is damaged: its objects nest deeper than 256 levels"));
+    EXPECT_THAT(
+        refusal(changedBy("link.pspec", "UPDATE objects SET link = '99999999999999999999|001#GD.X' WHERE kind = 3")),
+        HasSubstr("link.pspec is damaged: a link names object 99999999999999999999"));
     std::string deepQuery = R"({"columns": [], "filters": [], "sorts": [], "objectSet": )";
     for (int i = 0; i < 100'000; ++i) deepQuery += R"({"name": "N", "kind": "", "values": {}, "children": [)";
     deepQuery += R"({"name": "N", "kind": "", "values": {}, "children": []})";
     for (int i = 0; i < 100'000; ++i) deepQuery += "]}";
-    EXPECT_THAT(damagedBy("query.pspec", "UPDATE query_containers SET stored = '" + deepQuery + "}'"),
+    EXPECT_THAT(refusal(changedBy("query.pspec", "UPDATE query_containers SET stored = '" + deepQuery + "}'")),
                 HasSubstr("nests deeper than 512 levels"));
     // A row without a value is not damaged: it reads as an empty value.
-    const auto noValue = directory / "no-value.pspec";
-    std::filesystem::copy_file(file, noValue);
-    platform::sqlite::Connection::open(noValue, platform::sqlite::Connection::Mode::ReadWrite)
-        .exec("UPDATE objects SET value = NULL WHERE kind = 5");
-    const auto opened = ProjectFile::open(noValue);
+    const auto opened =
+        ProjectFile::open(changedBy("no-value.pspec", "UPDATE objects SET value = NULL WHERE kind = 5"));
     EXPECT_EQ(must(must(opened.database()->project("BASE")->tableRoot()->child("DN")).row("50")).Value(), "");
 
     const auto damaged = directory / "damaged.pspec";
@@ -392,7 +374,7 @@ TEST_F(PersistenceTest, AFileThatIsNotOursTooNewOrDamagedIsRefusedAndLeftAsItWas
     ASSERT_GT(bytes.size(), 3 * 4096u);
     std::fill(bytes.begin() + 4096, bytes.end(), '\xA5');
     std::ofstream(damaged, std::ios::binary) << bytes;
-    EXPECT_EQ(refused(damaged), err::Configuration);
+    EXPECT_NE(refusal(damaged), "accepted");
 
     EXPECT_EQ(errorNumber([&] { ProjectFile::open(directory / "missing.pspec"); }), err::FileAccess);
     EXPECT_EQ(errorNumber([&] { ProjectFile::create(file, world.database()); }), err::FileAccess);
