@@ -2,12 +2,9 @@
 // guard, the duplicate question, the device, its name-range chapter, bounds
 // and range, and the cache entry of the pipe class.
 
-#include "diagnostics/ServiceRegistry.h"
 #include "diagnostics/Translate.h"
-#include "elements/AddToPipeClass.h"
-#include "elements/RangeControl.h"
 #include "objectmodel/Options.h"
-#include "support/World.h"
+#include "support/Creation.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -30,12 +27,8 @@ public:
     }
 };
 
-class NewElement : public ::testing::Test {
+class NewElement : public support::CreationTest {
 protected:
-    // A test may install its own range control; the one before comes back after.
-    diagnostics::ScopedService<addtopipeclass::IRangeControl> rangeControl{addtopipeclass::setSharedPCOMRange, nullptr};
-    support::World world;
-    DeviceRef catalog = world.catalog();
     DeviceRef pipeClass = world.pipeClass(world.root(world.plant(), "@20"), "PC-A1", "10000");
     DeviceRef flange = world.device(catalog, "FL-WN", {{"GD.VFCD", "10100"}});
     DeviceRef flangePN16 = world.device(catalog, "FL-WN-PN16", {}, flange);
@@ -58,7 +51,6 @@ protected:
     std::vector<std::string> trace() const { return world.trace("XAddToPipeClass"); }
     VariantMap& cache() const { return must(world.workset()->Globals()->getOption(option::PipeClassCache).map()); }
     int elementCount() const { return pipeClass->Devices()->Count(); }
-    std::vector<std::string> created() const { return must(addtopipeclass::CreatedObjects(*world.workset())).Keys(); }
 };
 
 TEST_F(NewElement, ElementStandsOnTheRootOfItsSourceWithChapterRangeAndNoCachedEntry)
