@@ -246,15 +246,7 @@ TEST_F(QtGridTest, ShowsTheQueryAndFollowsClicksKeysAndHeads)
 
 TEST_F(QtGridTest, MenusAreBuiltFromTheSinksEntriesAndRunTheChosenOne)
 {
-    sink->fillMenu = [](IPopUpMenu& menu) {
-        menu.Add("Dummy", "---");
-        menu.Add("Refresh", "~0056e Aktualisieren");
-        menu.Add(">Solve", "~05156 Solve template pipe spec");
-        menu.Add("Solve|SolveTemplate", "~057a8 ohne Ablaufverfolgung");
-        menu.Add("Paste", "~00161 Einfügen");
-        menu.SetImage("Paste", "std_Paste");
-        menu.Disable("Paste");
-    };
+    sink->fillMenu = RecordingSink::fillSolveMenu;
     std::string seen;
     ObjectRef selectedAtPopUp;
     sink->heard = [&](const std::string& event) {

@@ -108,13 +108,7 @@ TEST_F(GridTest, SelectionCurrentCellAndSortFollowTheUserAndRefreshKeepsWhatIsSt
 TEST_F(GridTest, MenusHoldTheSinksEntriesAndRunTheChosenOne)
 {
     sink->fillMenu = [](IPopUpMenu& menu) {
-        menu.Add("Dummy", "---");
-        menu.Add("Refresh", "~0056e Aktualisieren");
-        menu.Add(">Solve", "~05156 Solve template pipe spec");
-        menu.Add("Solve|SolveTemplate", "~057a8 ohne Ablaufverfolgung");
-        menu.Add("Paste", "~00161 Einfügen");
-        menu.SetImage("Paste", "std_Paste");
-        menu.Disable("Paste");
+        RecordingSink::fillSolveMenu(menu);
         menu.Disable("PROPERTIES");
         menu.Add("-", "-");
     };

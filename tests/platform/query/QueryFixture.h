@@ -133,6 +133,19 @@ public:
     void AfterRowsMove() override { record("AfterRowsMove"); }
     void ColumnsChanged() override { record("ColumnsChanged"); }
 
+    // The entries a pipe-spec control's menu starts with: a separator, a
+    // command, a sub-menu of one entry, and a disabled entry with an icon.
+    static void fillSolveMenu(IPopUpMenu& menu)
+    {
+        menu.Add("Dummy", "---");
+        menu.Add("Refresh", "~0056e Aktualisieren");
+        menu.Add(">Solve", "~05156 Solve template pipe spec");
+        menu.Add("Solve|SolveTemplate", "~057a8 ohne Ablaufverfolgung");
+        menu.Add("Paste", "~00161 Einfügen");
+        menu.SetImage("Paste", "std_Paste");
+        menu.Disable("Paste");
+    }
+
     // The events since the last call.
     std::vector<std::string> take() { return std::exchange(events_, {}); }
 
