@@ -240,7 +240,7 @@ bool DesignerWindow::open(const std::optional<std::filesystem::path>& path)
     const bool done = act("Open", [&] { opened = std::make_unique<Document>(path, this); });
     if (!done) return false;
     setDocument(opened.release());  // Owned by this window from now on, its Qt parent.
-    diagnostics::utilities().WriteLog("Opened " + document_->path().string());
+    diagnostics::utilities().WriteLog(filled(msg::window::Opened, text(document_->path().string())).toStdString());
     rememberRecent(QString::fromStdString(document_->path().string()));
     return true;
 }

@@ -237,6 +237,7 @@ inline constexpr std::string_view NoObject = "~7d033 Kein Objekt gewählt";
 inline constexpr std::string_view DesignerTitle = "~7d034 Rohrklassen-Designer";
 inline constexpr std::string_view ProjectIs = "~7d035 Projekt: %1%";
 inline constexpr std::string_view Toolbar = "~7d036 Werkzeugleiste";
+inline constexpr std::string_view Opened = "~7d037 Geöffnet: %1%";
 
 inline constexpr std::array all{
     MenuFile,
@@ -290,6 +291,7 @@ inline constexpr std::array all{
     DesignerTitle,
     ProjectIs,
     Toolbar,
+    Opened,
 };
 
 }  // namespace window
