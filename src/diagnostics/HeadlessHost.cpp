@@ -190,8 +190,32 @@ std::string HeadlessUtilities::StandardTablePath(int number) const
 
 void HeadlessUtilities::setStandardTablePath(int number, std::string path) { tablePaths_[number] = std::move(path); }
 
+std::unique_ptr<IProgress> HeadlessUtilities::BeginProgress(std::string_view title, int total)
+{
+    class Unwatched final : public IProgress {
+    public:
+        Unwatched(HeadlessUtilities& host, std::string_view title, int total)
+            : host_(host), title_(title), total_(total)
+        {
+        }
+        bool Step(int done, std::string_view current) override
+        {
+            host_.progress_.push_back(title_ + ": " + std::to_string(done) + "/" + std::to_string(total_) + " " +
+                                      std::string(current));
+            return host_.cancelAt_ < 0 || done < host_.cancelAt_;
+        }
+
+    private:
+        HeadlessUtilities& host_;
+        std::string title_;
+        int total_;
+    };
+    return std::make_unique<Unwatched>(*this, title, total);
+}
+
 void HeadlessUtilities::clear() noexcept
 {
+    progress_.clear();
     errors_.clear();
     messageBoxes_.clear();
     log_.clear();

@@ -127,6 +127,12 @@ public:
     std::string StandardTablePath(int number) const override;
     void setStandardTablePath(int number, std::string path);
 
+    // Progress nobody watches: every step is kept ("title: done/total
+    // current"), and the work is cancelled before item `cancelAt` when set.
+    std::unique_ptr<IProgress> BeginProgress(std::string_view title, int total) override;
+    void cancelProgressAt(int item) noexcept { cancelAt_ = item; }
+    const std::vector<std::string>& progressSteps() const noexcept { return progress_; }
+
     // Forgets what was recorded; the script, paths and settings stay.
     void clear() noexcept;
 
@@ -140,6 +146,8 @@ private:
     std::vector<MessageBoxRecord> messageBoxes_;
     std::vector<std::string> log_;
     int refreshes_ = 0;
+    int cancelAt_ = -1;
+    std::vector<std::string> progress_;
     std::map<int, std::string> tablePaths_{{kFunctionCodeTable, "@3D|00|VFCD"}};
 };
 

@@ -6,6 +6,7 @@
 
 #include "objectmodel/QueryInterfaces.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -32,6 +33,10 @@ class IPopUpMenu {
 public:
     virtual ~IPopUpMenu() = default;
     virtual void Add(std::string_view key, std::string_view text) = 0;
+    // An entry that runs its own command when chosen, before the sink hears
+    // PopUpCmd: how the platform's command objects (delete, copy, properties)
+    // bring their entries along.
+    virtual void AddCommand(std::string_view key, std::string_view text, std::function<void()> command) = 0;
     // A key that is not in the menu is left alone by both.
     virtual void SetImage(std::string_view key, std::string_view image) = 0;
     virtual void Disable(std::string_view key) = 0;

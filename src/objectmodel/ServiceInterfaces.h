@@ -57,6 +57,17 @@ class IMainWindow {
 public:
     virtual ~IMainWindow() = default;
     virtual std::shared_ptr<IWindowService> WindowService() const = 0;
+    // Shows the properties of the object where the window keeps them.
+    virtual void ShowProperties(const ObjectRef& object) = 0;
+};
+
+// Long work that the user watches and may stop between two items.
+class IProgress {
+public:
+    virtual ~IProgress() = default;
+    // Before item `done` (counted from 0) of the total, named `current`;
+    // false once the user cancelled: the caller stops before that item.
+    virtual bool Step(int done, std::string_view current) = 0;
 };
 
 class ILook {
@@ -79,6 +90,9 @@ public:
     virtual int MessageBox(std::string_view text, int flags, std::string_view title) = 0;
     virtual std::shared_ptr<ILook> Look() const = 0;
     virtual std::string StandardTablePath(int number) const = 0;
+    // Progress of work on `total` items under that title, for as long as
+    // the object lives.
+    virtual std::unique_ptr<IProgress> BeginProgress(std::string_view title, int total) = 0;
 };
 
 class ITab {

@@ -8,6 +8,7 @@
 #include <QEventLoop>
 #include <QMessageBox>
 #include <QPalette>
+#include <QProgressDialog>
 #include <QPushButton>
 
 #include <array>
@@ -102,9 +103,17 @@ int QtLook::Color(int number) const
     return oleColor(palette.color(role));
 }
 
-QtUtilities::QtUtilities(QWidget* mainWindow) : mainWindow_(std::make_shared<QtMainWindow>(mainWindow)) {}
+void QtMainWindow::ShowProperties(const ObjectRef& object)
+{
+    if (viewer_ && window_) viewer_(object);
+}
 
-void QtUtilities::setMainWindow(QWidget* mainWindow) { mainWindow_ = std::make_shared<QtMainWindow>(mainWindow); }
+QtUtilities::QtUtilities(QWidget* mainWindow) : mainWindow_(std::make_shared<QtMainWindow>(mainWindow, nullptr)) {}
+
+void QtUtilities::setMainWindow(QWidget* mainWindow, PropertiesViewer viewer)
+{
+    mainWindow_ = std::make_shared<QtMainWindow>(mainWindow, std::move(viewer));
+}
 
 void QtUtilities::setListeners(Listener reports, Listener log)
 {
@@ -150,6 +159,36 @@ int QtUtilities::MessageBox(std::string_view text, int flags, std::string_view t
     for (const auto& entry : buttons)
         if (entry.button == chosen) return entry.answer;
     return buttons.back().answer;
+}
+
+std::unique_ptr<IProgress> QtUtilities::BeginProgress(std::string_view title, int total)
+{
+    if (!mainWindow_->window()) return kept_.BeginProgress(title, total);
+
+    class Dialog final : public IProgress {
+    public:
+        Dialog(QWidget* window, const QString& title, int total)
+            : dialog_(QString(), QApplication::translate("QProgressDialog", "Cancel"), 0, total, window),
+              total_(total)
+        {
+            dialog_.setObjectName("progress");
+            dialog_.setWindowTitle(title);
+            dialog_.setWindowModality(Qt::WindowModal);
+            dialog_.setMinimumDuration(400);
+            dialog_.setMinimumWidth(420);
+        }
+        bool Step(int done, std::string_view current) override
+        {
+            dialog_.setLabelText(QStringLiteral("%1\n%2 / %3").arg(qt(current)).arg(done + 1).arg(total_));
+            dialog_.setValue(done);  // A modal dialog lets the events through here, the Cancel click too.
+            return !dialog_.wasCanceled();
+        }
+
+    private:
+        QProgressDialog dialog_;
+        int total_;
+    };
+    return std::make_unique<Dialog>(mainWindow_->window(), qt(title), total);
 }
 
 void QtUtilities::switchLanguage(std::string_view language)

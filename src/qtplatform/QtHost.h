@@ -30,16 +30,25 @@ public:
     void CloseForm(IForm& form) override;
 };
 
+// Who shows an object's properties in the window (the designer's properties dock).
+using PropertiesViewer = std::function<void(const ObjectRef& object)>;
+
 class QtMainWindow final : public IMainWindow {
 public:
-    explicit QtMainWindow(QWidget* window) : window_(window), service_(std::make_shared<QtWindowService>()) {}
+    QtMainWindow(QWidget* window, PropertiesViewer viewer)
+        : window_(window), service_(std::make_shared<QtWindowService>()), viewer_(std::move(viewer))
+    {
+    }
     std::shared_ptr<IWindowService> WindowService() const override { return service_; }
+    // Through the viewer the window set; a window without one shows nothing.
+    void ShowProperties(const ObjectRef& object) override;
     // The window the forms open over; empty once it is gone.
     [[nodiscard]] QWidget* window() const { return window_; }
 
 private:
     QPointer<QWidget> window_;
     std::shared_ptr<QtWindowService> service_;
+    PropertiesViewer viewer_;
 };
 
 // The colours of the look, numbered, from the application's palette:
@@ -55,7 +64,7 @@ class QtUtilities final : public IUtilities {
 public:
     // `mainWindow`: the designer's window, over which boxes and forms open.
     explicit QtUtilities(QWidget* mainWindow = nullptr);
-    void setMainWindow(QWidget* mainWindow);
+    void setMainWindow(QWidget* mainWindow, PropertiesViewer viewer = {});
 
     // Who hears each error report and log line as it comes, besides what
     // is kept (the designer's message dock).
@@ -76,6 +85,9 @@ public:
     int MessageBox(std::string_view text, int flags, std::string_view title) override;
     std::shared_ptr<ILook> Look() const override { return look_; }
     std::string StandardTablePath(int number) const override { return kept_.StandardTablePath(number); }
+    // A progress dialog over the main window, with Cancel, that appears
+    // when the work lasts; without a main window the headless host's.
+    std::unique_ptr<IProgress> BeginProgress(std::string_view title, int total) override;
 
     // "de", the language of the texts' defaults, or a language shipped in
     // data/lang ("en"). Every widget then hears QEvent::LanguageChange and

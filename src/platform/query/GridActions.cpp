@@ -109,6 +109,11 @@ bool chooseMenuEntry(const std::shared_ptr<PopUpMenu>& menu, std::string_view ke
 {
     const auto* entry = menu->find(key);
     if (!entry || !entry->enabled || entry->separator() || entry->subMenu()) return false;
+    if (entry->command) {
+        // The menu may be refilled by the command; the sink still hears the key.
+        const auto command = entry->command;
+        command();
+    }
     if (headColumn)
         sink.raise([&](IQGridEvents& events) { events.TitlePopUpCmd(menu, key, headColumn); });
     else

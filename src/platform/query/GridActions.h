@@ -67,8 +67,9 @@ std::shared_ptr<PopUpMenu> openMenu(const QueryColumnRef& headColumn, const Grid
 bool openSubMenu(const std::shared_ptr<PopUpMenu>& menu, std::string_view key, const QueryColumnRef& headColumn,
                  const GridSink& sink);
 
-// PopUpCmd or TitlePopUpCmd for an enabled command entry; false for a
-// disabled, missing, separator or sub-menu entry.
+// An entry's own command, if it has one, then PopUpCmd or TitlePopUpCmd,
+// for an enabled command entry; false for a disabled, missing, separator or
+// sub-menu entry.
 bool chooseMenuEntry(const std::shared_ptr<PopUpMenu>& menu, std::string_view key, const QueryColumnRef& headColumn,
                      const GridSink& sink);
 

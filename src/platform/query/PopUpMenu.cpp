@@ -38,6 +38,12 @@ void PopUpMenu::Add(std::string_view key, std::string_view text)
     menu->entries.push_back(entryOf(key, text));
 }
 
+void PopUpMenu::AddCommand(std::string_view key, std::string_view text, std::function<void()> command)
+{
+    Add(key, text);
+    entry(key)->command = std::move(command);
+}
+
 void PopUpMenu::SetImage(std::string_view key, std::string_view image)
 {
     if (auto* found = entry(key)) found->image = image;

@@ -4,6 +4,7 @@
 
 #include "objectmodel/Grid.h"
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +16,7 @@ struct MenuEntry {
     std::string text;
     std::string image;
     bool enabled = true;
+    std::function<void()> command;  // run when chosen, for an entry of a command object
     std::vector<MenuEntry> entries;  // of a sub-menu
 
     bool separator() const { return !text.empty() && text.find_first_not_of('-') == std::string::npos; }
@@ -25,6 +27,7 @@ class PopUpMenu final : public IPopUpMenu {
 public:
     // An entry "Menu|Entry" whose sub-menu was not added yet makes it, titled "Menu".
     void Add(std::string_view key, std::string_view text) override;
+    void AddCommand(std::string_view key, std::string_view text, std::function<void()> command) override;
     void SetImage(std::string_view key, std::string_view image) override;
     void Disable(std::string_view key) override;
     void Clear() override { entries_.clear(); }
