@@ -260,6 +260,7 @@ void DesignerWindow::setDocument(Document* document)
     for (const auto& project : platform::projectChain(workset->CurrentProject()))
         for (const auto& root : project->roots().items()) roots.push_back(root);
     explorer_->setRoots(roots, workset);
+    pages_->setDocument(document_->undoState());
     currentObjectChanged(nullptr);
     connect(document_, &Document::changed, this, &DesignerWindow::documentChanged);
     connect(document_, &Document::modifiedChanged, this, &DesignerWindow::showTitle);

@@ -6,32 +6,61 @@
 #include "qtplatform/PictureByObject.h"
 
 #include <QLabel>
+#include <QStackedWidget>
 #include <QVBoxLayout>
 
 namespace pipespec::designer {
 
+namespace {
+QString filled(std::string_view literal, std::string_view value)
+{
+    return QString::fromStdString(diagnostics::FillPercent1(shown(literal).toStdString(), value));
+}
+
+// Why a control refused the pipe class, from its answers: 1 says that the
+// chapter it names is missing or holds no values.
+QString refusalText(std::int32_t errorId, const std::string& chapter)
+{
+    if (errorId == 1) return filled(msg::window::ChapterMissing, chapter);
+    return filled(msg::window::ChapterRefused, chapter) + " (" + QString::number(errorId) + ")";
+}
+}  // namespace
+
 PipeClassPages::PipeClassPages(QWidget* parent) : QTabWidget(parent)
 {
     setDocumentMode(true);
-    pages_ = {
-        {"PipeSpecComp", qtplatform::ObjectKind::Element, msg::window::ComponentListPage,
-         msg::window::ComponentListPurpose, nullptr, nullptr, nullptr},
-        {"PipeSpecSelector", qtplatform::ObjectKind::Selector, msg::window::SelectorsPage,
-         msg::window::SelectorsPurpose, nullptr, nullptr, nullptr},
-        {"PipeSpecNDRange", qtplatform::ObjectKind::Chapter, msg::window::RangesPage, msg::window::RangesPurpose,
-         nullptr, nullptr, nullptr},
-        {"PipeCompSearch", qtplatform::ObjectKind::Component, msg::window::ComponentSearchPage,
-         msg::window::ComponentSearchPurpose, nullptr, nullptr, nullptr},
+    const auto described = [](const char* control, qtplatform::ObjectKind picture, std::string_view caption,
+                              std::string_view purpose) {
+        Page made;
+        made.control = control;
+        made.picture = picture;
+        made.caption = caption;
+        made.purpose = purpose;
+        return made;
     };
-    for (auto& page : pages_) addTab(placeholder(page), qtplatform::pictureOfKind(page.picture), {});
+    pages_.push_back(described("PipeSpecComp", qtplatform::ObjectKind::Element, msg::window::ComponentListPage,
+                               msg::window::ComponentListPurpose));
+    pages_.push_back(described("PipeSpecSelector", qtplatform::ObjectKind::Selector, msg::window::SelectorsPage,
+                               msg::window::SelectorsPurpose));
+    pages_.push_back(described("PipeSpecNDRange", qtplatform::ObjectKind::Chapter, msg::window::RangesPage,
+                               msg::window::RangesPurpose));
+    pages_.push_back(described("PipeCompSearch", qtplatform::ObjectKind::Component, msg::window::ComponentSearchPage,
+                               msg::window::ComponentSearchPurpose));
+    for (auto& page : pages_) {
+        page.stack = new QStackedWidget(this);  // Owned by the tabs once added.
+        page.stack->setObjectName(page.control);
+        page.stack->addWidget(notice(page));
+        addTab(page.stack, qtplatform::pictureOfKind(page.picture), {});
+    }
     retranslate();
     setPipeClass(nullptr);
 }
 
-QWidget* PipeClassPages::placeholder(Page& page)
+PipeClassPages::~PipeClassPages() { shutDownControls(); }
+
+QWidget* PipeClassPages::notice(Page& page)
 {
-    auto* widget = new QWidget(this);  // Owned by the tabs once added.
-    widget->setObjectName(page.control);
+    auto* widget = new QWidget(page.stack);
     page.heading = new QLabel(widget);
     page.subject = new QLabel(widget);
     page.text = new QLabel(widget);
@@ -54,11 +83,75 @@ QWidget* PipeClassPages::placeholder(Page& page)
     return widget;
 }
 
+void PipeClassPages::setDocument(const UndoStateRef& undoState)
+{
+    shutDownControls();
+    undoState_ = undoState;
+    pipeClass_ = nullptr;
+    for (auto& page : pages_) {
+        if (!page.make || !undoState_) continue;
+        page.made = page.make();
+        page.stack->addWidget(page.made);  // Owned by the page from now on.
+        page.made->SetPipeSpecXML(pipeSpecXml_);
+        page.made->ActivateRollbackState(undoState_);
+    }
+    setPipeClass(nullptr);
+}
+
+void PipeClassPages::shutDownControls()
+{
+    for (auto& page : pages_) {
+        if (!page.made) continue;
+        page.made->Shutdown();
+        page.made->deleteLater();  // The host's step after Shutdown.
+        page.made = nullptr;
+        page.serves = false;
+    }
+}
+
 void PipeClassPages::setPipeClass(const DeviceRef& pipeClass)
 {
     pipeClass_ = pipeClass;
     for (int at = 0; at < count(); ++at) setTabEnabled(at, pipeClass_ != nullptr);
-    showSubject();
+    for (auto& page : pages_) offer(page);
+    showNotices();
+}
+
+// Asks the page's control whether it serves the pipe class: it gets the
+// class and is shown, or the page says why not.
+void PipeClassPages::offer(Page& page)
+{
+    page.serves = false;
+    page.refusal.clear();
+    if (!page.made || !pipeClass_) {
+        page.stack->setCurrentIndex(0);
+        return;
+    }
+    std::int32_t errorId = 0;
+    std::string chapter;
+    page.serves = page.made->ValidChapter(pipeClass_, errorId, chapter);
+    if (page.serves) {
+        page.made->ActivateRollbackState(nullptr);
+        page.made->SetPipeClass(pipeClass_);
+    } else {
+        page.refusal = refusalText(errorId, chapter);
+    }
+    page.stack->setCurrentWidget(page.serves ? static_cast<QWidget*>(page.made) : page.stack->widget(0));
+}
+
+frame::ControlFrame* PipeClassPages::control(std::string_view name) const
+{
+    for (const auto& page : pages_)
+        if (page.control == name) return page.made;
+    return nullptr;
+}
+
+frame::ControlFrame* PipeClassPages::currentControl() const
+{
+    const auto at = currentIndex();
+    if (at < 0) return nullptr;
+    const auto& page = pages_[static_cast<std::size_t>(at)];
+    return page.serves ? page.made : nullptr;
 }
 
 bool PipeClassPages::showPage(const QString& name)
@@ -81,10 +174,12 @@ void PipeClassPages::retranslate()
         setTabToolTip(at, QString::fromLatin1(page.control));
         page.heading->setText(shown(page.caption));
     }
-    showSubject();
+    for (auto& page : pages_)
+        if (!page.refusal.isEmpty()) offer(page);
+    showNotices();
 }
 
-void PipeClassPages::showSubject()
+void PipeClassPages::showNotices()
 {
     for (const auto& page : pages_) {
         if (!pipeClass_) {
@@ -92,10 +187,14 @@ void PipeClassPages::showSubject()
         } else {
             const auto name =
                 pipeClass_->Name() + (pipeClass_->Description().empty() ? "" : " – " + pipeClass_->Description());
-            page.subject->setText(
-                QString::fromStdString(diagnostics::FillPercent1(shown(msg::window::PipeClassIs).toStdString(), name)));
+            page.subject->setText(filled(msg::window::PipeClassIs, name));
         }
-        page.text->setText(shown(page.purpose) + "\n\n" + shown(msg::window::PageComesLater));
+        if (!page.refusal.isEmpty())
+            page.text->setText(page.refusal);
+        else if (page.make)
+            page.text->setText(shown(page.purpose));
+        else
+            page.text->setText(shown(page.purpose) + "\n\n" + shown(msg::window::PageComesLater));
         // A centred layout gives a wrapped label the height of one line per break, not per wrap.
         page.text->setMinimumHeight(page.text->heightForWidth(page.text->width()));
     }

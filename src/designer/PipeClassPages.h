@@ -2,19 +2,28 @@
 
 // The pages of the pipe class on show, one tab per control: the component
 // list (PipeSpecComp), the selectors (PipeSpecSelector), the nominal-diameter
-// ranges (PipeSpecNDRange) and the component search (PipeCompSearch). The
-// tabs are enabled while a pipe class is current. Until a control is built,
-// its page says what it will show.
+// ranges (PipeSpecNDRange) and the component search (PipeCompSearch).
+//
+// The pages are the host of their controls, in the host's order: a control
+// is made for each database, given the shared document and the designer's
+// undo state; before a pipe class is shown, the control is asked whether it
+// can serve it (ValidChapter), and a refusal is explained on the page in
+// words instead; Shutdown comes before a control is destroyed. A page whose
+// control is not built yet says what it will show.
 
+#include "frame/ControlFrame.h"
 #include "objectmodel/ObjectModel.h"
 #include "qtplatform/PictureByObject.h"
 
+#include <QDomDocument>
 #include <QTabWidget>
 
+#include <functional>
 #include <string_view>
 #include <vector>
 
 class QLabel;
+class QStackedWidget;
 
 namespace pipespec::designer {
 
@@ -23,9 +32,17 @@ class PipeClassPages final : public QTabWidget {
 
 public:
     explicit PipeClassPages(QWidget* parent = nullptr);
+    ~PipeClassPages() override;
 
+    // Makes the controls anew for the database of that undo state; empty: no
+    // database, no controls.
+    void setDocument(const UndoStateRef& undoState);
     void setPipeClass(const DeviceRef& pipeClass);
     const DeviceRef& pipeClass() const { return pipeClass_; }
+    // The control of that name ("PipeSpecComp"), if it is built.
+    frame::ControlFrame* control(std::string_view name) const;
+    // The control of the page on show, if it serves the pipe class on show.
+    frame::ControlFrame* currentControl() const;
     // Shows the page of that control name ("PipeSpecSelector") or caption;
     // false if there is none.
     bool showPage(const QString& name);
@@ -33,19 +50,28 @@ public:
 
 private:
     struct Page {
-        const char* control;
-        qtplatform::ObjectKind picture;  // what the page is about
-        std::string_view caption;        // message literals
+        const char* control = "";
+        qtplatform::ObjectKind picture = qtplatform::ObjectKind::Element;  // what the page is about
+        std::string_view caption;                                          // message literals
         std::string_view purpose;
-        QLabel* heading;
-        QLabel* subject;
-        QLabel* text;
+        std::function<frame::ControlFrame*()> make;  // empty while the control is not built
+        QStackedWidget* stack = nullptr;             // the notice, and the control once made
+        frame::ControlFrame* made = nullptr;
+        bool serves = false;  // the control serves the pipe class on show
+        QString refusal;      // why it does not, in words
+        QLabel* heading = nullptr;
+        QLabel* subject = nullptr;
+        QLabel* text = nullptr;
     };
-    QWidget* placeholder(Page& page);
-    void showSubject();
+    QWidget* notice(Page& page);
+    void offer(Page& page);
+    void shutDownControls();
+    void showNotices();
 
     std::vector<Page> pages_;
     DeviceRef pipeClass_;
+    UndoStateRef undoState_;
+    QDomDocument pipeSpecXml_;  // shared by the controls, never read here
 };
 
 }  // namespace pipespec::designer

@@ -238,6 +238,12 @@ inline constexpr std::string_view DesignerTitle = "~7d034 Rohrklassen-Designer";
 inline constexpr std::string_view ProjectIs = "~7d035 Projekt: %1%";
 inline constexpr std::string_view Toolbar = "~7d036 Werkzeugleiste";
 inline constexpr std::string_view Opened = "~7d037 Geöffnet: %1%";
+inline constexpr std::string_view ChapterMissing =
+    "~7d038 Diese Seite braucht an der Rohrklasse das Kapitel %1% mit mindestens einem Wert. Legen Sie es an der "
+    "Rohrklasse an und wählen Sie sie erneut.";
+inline constexpr std::string_view ChapterRefused = "~7d039 Diese Seite kann die Rohrklasse nicht zeigen (Kapitel %1%).";
+inline constexpr std::string_view Copy = "~7d03a &Kopieren";
+inline constexpr std::string_view Paste = "~7d03b &Einfügen";
 
 inline constexpr std::array all{
     MenuFile,
@@ -292,6 +298,10 @@ inline constexpr std::array all{
     ProjectIs,
     Toolbar,
     Opened,
+    ChapterMissing,
+    ChapterRefused,
+    Copy,
+    Paste,
 };
 
 }  // namespace window

@@ -94,6 +94,13 @@ void ControlFrame::SetPipeClass(const DeviceRef& pipeClass)
     });
 }
 
+bool ControlFrame::ValidChapter(const DeviceRef&, std::int32_t& ErrorID, std::string& strSelectChapter)
+{
+    ErrorID = 0;
+    strSelectChapter.clear();
+    return true;
+}
+
 void ControlFrame::ActivateRollbackState(const UndoStateRef& PipeSpecUndoState)
 {
     const diagnostics::Trace trace(cls_, "ActivateRollbackState");

@@ -25,7 +25,9 @@
 #include <QRect>
 #include <QWidget>
 
+#include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -76,6 +78,12 @@ public:
     // Puts the look's tab colour on the tab control, if any; gives 4, the
     // number of the colour, not the colour.
     int TabBackGround();
+
+    // Whether the control can serve that object, asked by the host before it
+    // shows the control; a refusal names the chapter the object lacks and an
+    // error number, from which the host tells the user why. A control that
+    // needs no chapter serves every object.
+    virtual bool ValidChapter(const DeviceRef& vNewValue, std::int32_t& ErrorID, std::string& strSelectChapter);
 
     [[nodiscard]] DeviceRef PipeClass() const { return mPipeClass; }
     // A pipe class brings its workset and runs Refresh; empty leaves the

@@ -287,6 +287,14 @@ Variant AppGlobals::value(std::string_view name) const
 
 // ---- StoreWorkset ------------------------------------------------------
 
+void StoreWorkset::setClipboardObjects(const std::vector<ObjectRef>& objects)
+{
+    auto copied = std::make_shared<FreeCollection>();
+    for (const auto& object : objects) copied->Add(object);
+    clipboard_ = copied;
+    clipboardService_ = std::make_shared<platform::Clipboard>(clipboard_);
+}
+
 StoreWorkset::StoreWorkset(std::weak_ptr<Database> database)
     : database_(database),
       globals_(std::make_shared<platform::Globals>(database)),

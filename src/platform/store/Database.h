@@ -178,6 +178,8 @@ public:
     void replay(const std::function<void()>& changes);
 
     void setDragObject(Variant object) { drag_ = std::move(object); }
+    // What Edit → Copy put on the clipboard, replacing what was there.
+    void setClipboardObjects(const std::vector<ObjectRef>& objects);
     std::shared_ptr<platform::Globals> globals() const { return globals_; }
     std::shared_ptr<platform::AppGlobals> appGlobals() const { return appGlobals_; }
 
