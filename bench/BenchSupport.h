@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace pipespec::bench {
 
@@ -109,5 +110,78 @@ inline const std::filesystem::path& millionFile()
     static const Scratch file;
     return file.path;
 }
+
+// A catalogue of `count` components in the base project and an empty pipe
+// class in the plant project, offered in 20 nominal diameters.
+struct Catalogue {
+    std::shared_ptr<platform::Database> database = platform::Database::create();
+    std::vector<DeviceRef> components;
+    DeviceRef pipeClass;
+
+    explicit Catalogue(int count)
+    {
+        const auto base = database->addProject("BASE");
+        const auto plant = database->addProject("PLANT", base);
+        database->workset()->SetCurrentProject(plant);
+
+        const auto catalog = base->addRoot("@40");
+        components.reserve(static_cast<std::size_t>(count));
+        for (int i = 0; i < count; ++i) {
+            const auto name = numbered("C", i);
+            const auto component = asDevice(catalog->OwnElements()->CreateNewWithName(name));
+            attribute(component, "GD", "VFCD", "10100");
+            components.push_back(component);
+        }
+
+        pipeClass = asDevice(plant->addRoot("@20")->OwnElements()->CreateNewWithName("PC-A1"));
+        attribute(pipeClass, "GD", "VFCD", "10000");
+        attribute(pipeClass, "NR", "DNFROM", "15");
+        attribute(pipeClass, "NR", "DNTO", "600");
+        const auto list = attribute(pipeClass, "NR", "DNLIST", "");
+        int row = 0;
+        for (const int dn : {10, 15, 20, 25, 32, 40, 50, 65, 80, 100, 125, 150, 200, 250, 300, 350, 400, 500, 600, 700})
+            list->SetXValue(row++, std::to_string(dn));
+    }
+};
+
+// `count` variants of one flange in the base project and a PDMS class with a
+// selector tree in the plant project.
+struct PdmsCatalogue : Projects {
+    std::vector<DeviceRef> components;
+    DeviceRef pipeClass;
+
+    explicit PdmsCatalogue(int count)
+    {
+        // The folder of the state table, which the first element makes.
+        base->tableRoot()->createChild("@3D")->createChild("00")->createChild("PDMS");
+        const auto selectors = selectorBase(*this);
+        const auto catalog = base->root("@40");
+        const auto flange = asDevice(catalog->OwnElements()->CreateNewWithName("FL-WN"));
+        attribute(flange, "GD", "VFCD", "10100");
+        attribute(flange, "PIPE", "VSTD", "FLAN");
+        attribute(flange, "PIPE", "FTYPE", "WN");
+        attribute(flange, "PDMS", "Selector", "");
+        flange->Spec("PDMS")->SetControlProperties(
+            "Cols:1;ColHorizontal:0;ColsTitles:VC11|;RowType:0;ColsSizes:0|800|;RowTitles:");
+        components.reserve(static_cast<std::size_t>(count));
+        for (int i = 0; i < count; ++i) {
+            const auto variant = asDevice(catalog->OwnElements()->CreateNewWithName(numbered("FL-WN-", i)));
+            variant->SetCDevice(flange);
+            components.push_back(variant);
+        }
+
+        pipeClass = asDevice(plant->addRoot("@20")->OwnElements()->CreateNewWithName("PC-E3D"));
+        attribute(pipeClass, "GD", "VFCD", "10001");
+        attribute(pipeClass, "NR", "DNFROM", "15");
+        attribute(pipeClass, "NR", "DNTO", "600");
+        attribute(pipeClass, "PDMS", "State", "");
+        attribute(pipeClass, "E3D", "MATXT", "");
+        const auto root = asDevice(pipeClass->OwnElements()->CreateNewWithName("SelectorRoot"));
+        root->SetCDevice(selectors);
+        const auto flanges = selector(root, "FLAN", "FLAN", "PIPE.FTYPE", selectors);
+        for (const auto* type : {"WN", "BL"})
+            selector(flanges, std::string("FTYPE:") + type, type, "PDMS.PBOR1", selectors);
+    }
+};
 
 }  // namespace pipespec::bench
