@@ -540,6 +540,43 @@ int runExport(const Arguments& args, std::ostream& out)
     return exitcode::Success;
 }
 
+// ---- search ------------------------------------------------------------
+
+// The components of a pipe class with a function code that serve a nominal
+// diameter, as the search page finds them.
+int runSearch(const Arguments& args, std::ostream& out)
+{
+    const Session session(args, Use::Read);
+    const auto pipeClass = session.pipeClass(args.required("--class"));
+    const auto functionCode = args.required("--fcode");
+    const auto diameter = args.required("--nd");
+    const auto helper = session.database().workset()->NewPipeSpecHelper(diagnostics::tools().Names());
+    helper->SetSearchRoot(pipeClass);
+    const auto found = helper->FindComponents(0, functionCode, diameter);
+    json report = {{"pipeClass", pipeClass->SystemFullName()},
+                   {"functionCode", functionCode},
+                   {"nominalDiameter", diameter},
+                   {"components", json::array()}};
+    for (int i = 1; i <= found->Count(); ++i) {
+        const auto element = asDevice(found->Item(i));
+        auto described = describeElement(element);
+        described["pipeClass"] = element->Owner() ? element->Owner()->SystemFullName() : std::string();
+        described["description"] = element->Description();
+        report["components"].push_back(std::move(described));
+    }
+
+    if (args.flag("--json")) {
+        printJson(report, out);
+        return exitcode::Success;
+    }
+    for (const auto& entry : report["components"])
+        out << entry["element"].get<std::string>() << "  " << entry["description"].get<std::string>() << "  "
+            << entry["lower"].get<std::string>() << " - " << entry["upper"].get<std::string>() << "\n";
+    out << found->Count() << " components of " << report["pipeClass"].get<std::string>() << " with function code "
+        << functionCode << " for DN " << diameter << "\n";
+    return exitcode::Success;
+}
+
 // ---- save --------------------------------------------------------------
 
 // Every change is saved by the command that makes it; what is left for save
@@ -592,6 +629,10 @@ const std::vector<CommandInfo>& commands()
          runSelectors},
         {"export", "print one pipe class as JSON: attributes with values, elements with ranges, selector tree",
          "export --class <pipe class> [--json] [--db FILE] [--lang en|de]", accepting({}, {"--class"}), runExport},
+        {"search", "find the components of a pipe class by function code and nominal diameter",
+         "search --class <pipe class> --fcode <function code> --nd <nominal diameter> [--json] [--db FILE] "
+         "[--lang en|de]",
+         accepting({}, {"--class", "--fcode", "--nd"}), runSearch},
         {"save", "save the database; with --as, to a new database file (the way to keep a JSON project)",
          "save [--as FILE.pspec] [--json] [--db FILE] [--lang en|de]", accepting({}, {"--as"}), runSave},
         {"undo", "take back the last saved change of the database file, even one of an earlier run",

@@ -1,10 +1,13 @@
 #include "platform/PipeSpecHelper.h"
 
 #include "objectmodel/Errors.h"
+#include "objectmodel/Options.h"
 #include "objectmodel/Text.h"
 
 #include <algorithm>
 #include <optional>
+#include <unordered_set>
+#include <vector>
 
 namespace pipespec::platform {
 
@@ -23,6 +26,16 @@ bool hasCode(const IDevice& element, const std::string& attribute, std::string_v
     if (wanted.empty()) return true;
     const auto spec = element.Spec(attribute);
     return spec && spec->ValueText() == wanted;
+}
+
+// A sub-class whose elements belong to the class that lists it: a pipe class
+// other than one at which the collection of components stops.
+bool collectsFrom(const IDevice& device, const std::string& codeAttribute)
+{
+    const auto spec = device.Spec(codeAttribute);
+    const auto code = spec ? text::NumberIn(spec->ValueText()) : std::nullopt;
+    return code && *code >= functioncode::FirstPipeClass && *code <= functioncode::LastPipeClass &&
+           *code != functioncode::UncollectedPipeClass;
 }
 
 // An element serves the diameters of its name range: lower bound <= DN <=
@@ -53,11 +66,22 @@ CollectionRef PipeSpecHelper::FindComponents(int mode, std::string_view function
     const auto& root = must(searchRoot_);
     const auto found = must(root.Workset()).NewCollection();
     const auto& codeAttribute = names_->GD().VFCD();
-    const auto elements = root.Devices();
-    for (int i = 1; i <= elements->Count(); ++i) {
-        const auto element = asDevice(elements->Item(i));
-        if (element && hasCode(*element, codeAttribute, functionCode) && servesDiameter(*element, *names_, diameter))
-            found->Add(element);
+    // The elements of the class, and those of the sub-classes its elements
+    // stand for, as the class lists its components; each class once.
+    std::vector<const IDevice*> classes{&root};
+    std::unordered_set<const IDevice*> met{&root};
+    while (!classes.empty()) {
+        const auto elements = classes.back()->Devices();
+        classes.pop_back();
+        for (int i = 1; i <= elements->Count(); ++i) {
+            const auto element = asDevice(elements->Item(i));
+            if (!element) continue;
+            if (hasCode(*element, codeAttribute, functionCode) && servesDiameter(*element, *names_, diameter))
+                found->Add(element);
+            const auto base = element->CDevice();
+            if (base && collectsFrom(*base, codeAttribute) && met.insert(base.get()).second)
+                classes.push_back(base.get());
+        }
     }
     return found;
 }

@@ -19,10 +19,10 @@ public:
     void SetPipeClass(const DeviceRef& pipeClass) override { pipeClass_ = pipeClass; }
     void SetSearchRoot(const DeviceRef& root) override { searchRoot_ = root; }
 
-    // Mode 0 only: the elements of the search root whose function code reads
-    // as the text given and whose name range holds the nominal diameter; an
-    // empty text matches any element. A diameter that is no number, or
-    // another mode, is an error (5).
+    // Mode 0 only: the elements of the search root, and of the sub-classes it
+    // lists, whose function code reads as the text given and whose name range
+    // holds the nominal diameter; an empty text matches any element. A
+    // diameter that is no number, or another mode, is an error (5).
     CollectionRef FindComponents(int mode, std::string_view functionCode, std::string_view nominalDiameter) override;
 
     // The generic-type menu lists one entry per group of function codes: its

@@ -154,6 +154,12 @@ contains "export" '"cdevice": "BASE:@40|CAT|FITTINGS|TE-EQ"'
 contains "export" '"lower": "DN 15"'
 contains "export" '"name": "GD.VFCD"'
 contains "export" '"question": "SEL.PN"'
+expect 0 "search" -- "$pipespec" search --class PC-A1-DIN --fcode 10300 --nd 100 --db "$db"
+contains "search" "PLANT:@20|PIPECLASSES|PC-A1-DIN|002"
+contains "search" "1 components of PLANT:@20|PIPECLASSES|PC-A1-DIN with function code 10300 for DN 100"
+expect 0 "search finds nothing" -- "$pipespec" search --class PC-A1-DIN --fcode 10300 --nd 900 --db "$db" --json
+contains "search finds nothing" '"components": []'
+expect 2 "search without a diameter" -- "$pipespec" search --class PC-A1-DIN --fcode 10300 --db "$db"
 expect 0 "export of a class without a tree" -- "$pipespec" export --class PC-S3-STRUCT --db "$db"
 contains "export of a class without a tree" '"selectors": null'
 

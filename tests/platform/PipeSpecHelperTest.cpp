@@ -55,6 +55,16 @@ TEST(PipeSpecHelper, FindComponentsTakesTheElementsOfTheCodeWhoseNameRangeHoldsT
     EXPECT_EQ(found("10100", "900"), "E3 ");
     EXPECT_EQ(found("10100", ""), "E1 E2 E3 ");
     EXPECT_EQ(found("", "100"), "E2 E3 E4 ");
+    // An element that stands for a sub-class brings the sub-class's elements,
+    // unless the sub-class is one at which collecting stops; cycles end.
+    const auto sub = world.pipeClass(world.path(world.plant(), "@20|PIPECLASSES"), "SUB", "10001");
+    element("E5", "10001", "", "");
+    asDevice(pipeClass->Devices()->Item("E5"))->SetCDevice(sub);
+    world.device(sub, "S1", {{"GD.VFCD", "10100"}, {"NR.DNFROM", "15"}, {"NR.DNTO", "200"}});
+    world.device(sub, "S2", {{"GD.VFCD", "10001"}})->SetCDevice(pipeClass);
+    EXPECT_EQ(found("10100", "100"), "E2 E3 S1 ");
+    sub->Spec("GD.VFCD")->SetValue("10002");
+    EXPECT_EQ(found("10100", "100"), "E2 E3 ");
     EXPECT_EQ(checks::errorNumber([&] { found("10100", "DN 100"); }), err::InvalidCall);
     EXPECT_EQ(checks::errorNumber([&] { helper.FindComponents(1, "10100", ""); }), err::InvalidCall);
 }
