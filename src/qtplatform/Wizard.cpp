@@ -4,12 +4,12 @@
 #include "diagnostics/Messages.h"
 #include "diagnostics/ServiceRegistry.h"
 #include "diagnostics/Translate.h"
-#include "elements/AddToPipeClass.h"
 #include "platform/query/Query.h"
 #include "platform/store/Database.h"
 #include "qtplatform/QtGrid.h"
 #include "qtplatform/WizardEngine.h"
 
+#include <QEvent>
 #include <QLineEdit>
 #include <QVBoxLayout>
 
@@ -29,8 +29,7 @@ class Wizard::Panel final : public QWidget {
 public:
     explicit Panel(QWidget* parent) : QWidget(parent), search(new QLineEdit(this)), grid(new QtGrid("WizardGrid", this))
     {
-        search->setPlaceholderText(
-            QString::fromStdString(diagnostics::utilities().Translate(msg::window::WizardSearch)));
+        retranslate();
         search->setClearButtonEnabled(true);
         grid->setDragDropMode(QAbstractItemView::DragOnly);
         auto* layout = new QVBoxLayout(this);  // Owned by the panel.
@@ -62,7 +61,19 @@ public:
     QLineEdit* search;  // Owned by the panel.
     QtGrid* grid;       // Owned by the panel.
 
+protected:
+    void changeEvent(QEvent* event) override
+    {
+        QWidget::changeEvent(event);
+        if (event->type() == QEvent::LanguageChange) retranslate();
+    }
+
 private:
+    void retranslate()
+    {
+        search->setPlaceholderText(
+            QString::fromStdString(diagnostics::utilities().Translate(msg::window::WizardSearch)));
+    }
     void makeQuery()
     {
         const auto& names = diagnostics::names();
@@ -125,22 +136,15 @@ void Wizard::SetVisible(bool visible)
     if (panel_) panel_->setVisible(visible);
 }
 
-// The catalogue components that pass the validity test of element creation
-// with the engine as element check, so that the class's switch for the
-// element check decides, as it does for the list.
 void Wizard::Init()
 {
     Procedure(kClass, "Sub Init").run([&] {
         if (!panel_) return;
         if (!pipeClass_) return panel_->showComponents(nullptr, nullptr);
         const auto workset = pipeClass_->Workset();
-        const auto accepted = must(workset).NewCollection();
-        for (const auto& component : WizardEngine::Catalogue(pipeClass_)) {
-            Variant refusal;
-            if (addtopipeclass::CheckValid(component, pipeClass_, true, refusal, engine_.get()))
-                accepted->Add(component);
-        }
-        panel_->showComponents(accepted, workset);
+        const auto offered = must(workset).NewCollection();
+        for (const auto& component : engine_->Offers(pipeClass_)) offered->Add(component);
+        panel_->showComponents(offered, workset);
     });
 }
 

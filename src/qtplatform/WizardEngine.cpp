@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <unordered_set>
+#include <utility>
 
 namespace pipespec::qtplatform {
 
@@ -105,11 +106,10 @@ bool isTemplateClass(const ObjectRef& object)
 }
 
 // The end of the base chain: an element made from the device stands on it.
-const IDevice* rootOf(const DeviceRef& device)
+DeviceRef rootOf(DeviceRef device)
 {
-    const IDevice* root = device.get();
-    while (const auto base = root->CDevice()) root = base.get();
-    return root;
+    while (auto base = device->CDevice()) device = std::move(base);
+    return device;
 }
 
 void collectComponents(const DeviceRef& device, const std::string& codeAttribute, std::vector<DeviceRef>& found)
@@ -138,6 +138,16 @@ std::vector<DeviceRef> WizardEngine::Catalogue(const DeviceRef& pipeClass)
         if (root && root->Project() == project) collectComponents(root, codeAttribute, found);
     }
     return found;
+}
+
+std::vector<DeviceRef> WizardEngine::Offers(const DeviceRef& pipeClass)
+{
+    auto offered = Catalogue(pipeClass);
+    std::erase_if(offered, [&](const DeviceRef& component) {
+        Variant refusal;
+        return !addtopipeclass::CheckValid(component, pipeClass, true, refusal, this);
+    });
+    return offered;
 }
 
 bool WizardEngine::CheckElement(const DeviceRef& pipeClass, const DeviceRef& object, Variant& result)
@@ -202,7 +212,7 @@ int WizardEngine::solve(const DeviceRef& element, const std::vector<DeviceRef>& 
         trace("SolveCDevice", fullName + " has no element range or no function code");
         return 0;
     }
-    std::unordered_set<const IDevice*> present;
+    std::unordered_set<DeviceRef> present;
     const auto elements = pipeClass->Devices();
     for (int i = 1; i <= elements->Count(); ++i)
         if (const auto existing = asDevice(elements->Item(i))) present.insert(rootOf(existing));
@@ -210,6 +220,7 @@ int WizardEngine::solve(const DeviceRef& element, const std::vector<DeviceRef>& 
     int made = 0;
     const auto& diameterAttribute = names.Connection().NominalDiameter().First();
     for (const auto& component : catalogue) {
+        // Every component of the catalogue carries a function code.
         const auto codeOf = component->Spec(names.GD().VFCD());
         const auto diameter = numberOf(*component, diameterAttribute);
         if (codeOf->Value() != code || !diameter || !range->holds(*diameter)) continue;

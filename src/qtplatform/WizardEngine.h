@@ -51,6 +51,10 @@ public:
     [[nodiscard]] static std::string PressureAttribute();
     // The catalogue components the pipe class sees, as told above.
     [[nodiscard]] static std::vector<DeviceRef> Catalogue(const DeviceRef& pipeClass);
+    // Those of them that pass the validity test of element creation with this
+    // engine as the element check: the class's switch for the check decides
+    // whether the engine is asked, as it does for the component list.
+    [[nodiscard]] std::vector<DeviceRef> Offers(const DeviceRef& pipeClass);
 
 private:
     // Elements made for one placeholder from the catalogue given.
