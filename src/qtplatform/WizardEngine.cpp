@@ -142,6 +142,8 @@ std::vector<DeviceRef> WizardEngine::Catalogue(const DeviceRef& pipeClass)
 
 std::vector<DeviceRef> WizardEngine::Offers(const DeviceRef& pipeClass)
 {
+    // The validity test reads the class's function code: no class, no offer.
+    if (!addtopipeclass::IsPipeClass(pipeClass)) return {};
     auto offered = Catalogue(pipeClass);
     std::erase_if(offered, [&](const DeviceRef& component) {
         Variant refusal;

@@ -179,6 +179,10 @@ TEST_F(WizardTest, PanelOffersTheFittingComponentsToSearchAndDrag)
     ASSERT_EQ(carried->Count(), 1);
     EXPECT_EQ(carried->Item(1), flange16);
 
+    wizard.SetPipeClass(folder);
+    wizard.Init();
+    EXPECT_EQ(rows(), "") << "no pipe class, no offer";
+
     wizard.ShutDown();
     EXPECT_EQ(grid.Query(), nullptr);
     EXPECT_EQ(wizard.panel(), nullptr);
