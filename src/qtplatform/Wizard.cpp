@@ -74,6 +74,7 @@ private:
         search->setPlaceholderText(
             QString::fromStdString(diagnostics::utilities().Translate(msg::window::WizardSearch)));
     }
+
     void makeQuery()
     {
         const auto& names = diagnostics::names();

@@ -21,9 +21,9 @@
 // 0) with an element range ("DN15-DN100", or one diameter "DN50"). Solving it
 // makes an element, through the ordinary road of element creation, from each
 // catalogue component that carries the placeholder's function code, whose
-// nominal diameter lies in the range and that fits the class. A component the class already has an element of (the
-// same root of the base chain) is left out, so that solving again makes
-// nothing and never asks about duplicates. The placeholder stays: it is the
+// nominal diameter lies in the range and that fits the class. A component the
+// class already has an element of (the same root of the base chain) is left
+// out, so that solving again makes nothing and never asks about duplicates. The placeholder stays: it is the
 // template a later solve works from. Everything one solve makes is one undo
 // step.
 //
