@@ -244,6 +244,24 @@ inline constexpr std::string_view ChapterMissing =
 inline constexpr std::string_view ChapterRefused = "~7d039 Diese Seite kann die Rohrklasse nicht zeigen (Kapitel %1%).";
 inline constexpr std::string_view Copy = "~7d03a &Kopieren";
 inline constexpr std::string_view Paste = "~7d03b &Einfügen";
+// The wizard beside the component list.
+inline constexpr std::string_view WizardValues = "~7d060 Werte zum Auflösen";
+inline constexpr std::string_view WizardFunctionCode = "~7d061 Funktionscode";
+inline constexpr std::string_view WizardGenericType = "~7d062 Generischer Typ";
+inline constexpr std::string_view WizardElementRange = "~7d063 Elementbereich";
+inline constexpr std::string_view WizardNominalPressure = "~7d064 Nenndruck";
+inline constexpr std::string_view WizardCatalogueObject = "~7d065 Katalogobjekt";
+inline constexpr std::string_view WizardNotSet = "~7d066 (nicht gesetzt)";
+inline constexpr std::string_view WizardSearch = "~7d067 Name oder Beschreibung enthält…";
+inline constexpr std::string_view WizardName = "~7d068 Name";
+inline constexpr std::string_view WizardDescription = "~7d069 Beschreibung";
+inline constexpr std::string_view WizardNominalDiameter = "~7d06a Nennweite";
+inline constexpr std::string_view WizardPressureDiffers =
+    "~7d06b Nenndruck PN %s1 passt nicht zu PN %s2 der Rohrklasse";
+inline constexpr std::string_view WizardDiameterNotOffered =
+    "~7d06c Nennweite DN %1% wird von der Rohrklasse nicht angeboten";
+inline constexpr std::string_view WizardStructureElement =
+    "~7d06d Strukturelement: erst das Auflösen macht Komponenten daraus";
 
 inline constexpr std::array all{
     MenuFile,
@@ -302,6 +320,20 @@ inline constexpr std::array all{
     ChapterRefused,
     Copy,
     Paste,
+    WizardValues,
+    WizardFunctionCode,
+    WizardGenericType,
+    WizardElementRange,
+    WizardNominalPressure,
+    WizardCatalogueObject,
+    WizardNotSet,
+    WizardSearch,
+    WizardName,
+    WizardDescription,
+    WizardNominalDiameter,
+    WizardPressureDiffers,
+    WizardDiameterNotOffered,
+    WizardStructureElement,
 };
 
 }  // namespace window

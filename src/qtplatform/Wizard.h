@@ -9,6 +9,7 @@
 
 #include "objectmodel/Wizard.h"
 
+#include <QPointer>
 #include <QWidget>
 
 #include <memory>
@@ -39,7 +40,8 @@ public:
 
 private:
     class Panel;
-    Panel* panel_;  // Owned by its Qt parent.
+    // Owned by its Qt parent: empty once the parent took it along, or after ShutDown.
+    QPointer<Panel> panel_;
     std::shared_ptr<WizardEngine> engine_;
     DeviceRef pipeClass_;
 };
