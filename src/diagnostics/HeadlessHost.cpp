@@ -195,7 +195,9 @@ std::unique_ptr<IProgress> HeadlessUtilities::BeginProgress(std::string_view tit
     class Unwatched final : public IProgress {
     public:
         Unwatched(HeadlessUtilities& host, std::string_view title, int total)
-            : host_(host), title_(title), total_(total)
+            : host_(host),
+              title_(title),
+              total_(total)
         {
         }
         bool Step(int done, std::string_view current) override

@@ -36,7 +36,9 @@ using PropertiesViewer = std::function<void(const ObjectRef& object)>;
 class QtMainWindow final : public IMainWindow {
 public:
     QtMainWindow(QWidget* window, PropertiesViewer viewer)
-        : window_(window), service_(std::make_shared<QtWindowService>()), viewer_(std::move(viewer))
+        : window_(window),
+          service_(std::make_shared<QtWindowService>()),
+          viewer_(std::move(viewer))
     {
     }
     std::shared_ptr<IWindowService> WindowService() const override { return service_; }

@@ -16,7 +16,7 @@ struct MenuEntry {
     std::string text;
     std::string image;
     bool enabled = true;
-    std::function<void()> command;  // run when chosen, for an entry of a command object
+    std::function<void()> command;   // run when chosen, for an entry of a command object
     std::vector<MenuEntry> entries;  // of a sub-menu
 
     bool separator() const { return !text.empty() && text.find_first_not_of('-') == std::string::npos; }

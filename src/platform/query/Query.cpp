@@ -1,5 +1,6 @@
 #include "platform/query/Query.h"
 
+#include "platform/query/ExtendedServers.h"
 #include "platform/query/QueryCells.h"
 
 #include <algorithm>
@@ -224,11 +225,36 @@ void QueryTop::RegisterExtended(std::string_view className, const ExtendedRef& e
     registrations_.push_back({std::string(className), extended});
 }
 
-ExtendedRef QueryTop::server() const
+ExtendedRef QueryTop::server(const ObjectRef& row)
 {
+    bindNamed(row);
     for (auto it = registrations_.rbegin(); it != registrations_.rend(); ++it)
         if (auto alive = it->server.lock()) return alive;
     return nullptr;
+}
+
+void QueryTop::bindNamed(const ObjectRef& row)
+{
+    for (auto& registration : registrations_) {
+        if (registration.bound || !row) continue;
+        const auto workset = row->Workset();
+        if (!workset) return;
+        registration.server = publishedExtendedServer(*workset, registration.className);
+        registration.bound = !registration.server.expired();
+    }
+}
+
+std::vector<std::string> QueryTop::classNames() const
+{
+    std::vector<std::string> names;
+    for (const auto& registration : registrations_) names.push_back(registration.className);
+    return names;
+}
+
+void QueryTop::nameServers(const std::vector<std::string>& classNames)
+{
+    registrations_.clear();
+    for (const auto& className : classNames) registrations_.push_back({className, {}, false});
 }
 
 std::vector<ExtendedRef> QueryTop::releaseServers()
@@ -257,6 +283,7 @@ QueryDefinition Query::definition() const
     for (const auto& filter : filters_->items())
         definition.filters.push_back({keyOf(filter->column()), filter->Operator(), filter->Link(), filter->Value()});
     for (const auto& sort : sorts_->items()) definition.sorts.push_back({keyOf(sort->column()), sort->Direction()});
+    definition.servers = top_->classNames();
     return definition;
 }
 
@@ -283,6 +310,7 @@ std::shared_ptr<Query> Query::fromDefinition(const QueryDefinition& definition)
         sort->SetColumn(columns.find(definition.sorts[level].column));
         sort->SetDirection(definition.sorts[level].direction);
     }
+    query->top_->nameServers(definition.servers);
     return query;
 }
 
@@ -303,16 +331,16 @@ void Query::ShutDown()
 
 const Query::Row& Query::rowAt(int row) const { return itemAt(rows_, row, "row"); }
 
-ExtendedRef Query::serverFor(const QueryColumn& column) const
+ExtendedRef Query::serverFor(const QueryColumn& column, const Row& row) const
 {
-    return column.ExtendedKind() == extendedkind::None ? nullptr : top_->server();
+    return column.ExtendedKind() == extendedkind::None ? nullptr : top_->server(row.object);
 }
 
 Variant Query::valueOf(const Row& row, const QueryColumn& column) const
 {
     const auto source = cells::sourceObject(row.object, column);
     if (column.ExtendedKind() == extendedkind::None) return cells::read(source, column.settings());
-    const auto server = serverFor(column);
+    const auto server = serverFor(column, row);
     if (!server) return {};
     const auto self = std::const_pointer_cast<QueryColumn>(column.shared_from_this());
     if (column.ExtendedKind() == extendedkind::Object)
@@ -336,10 +364,10 @@ std::string Query::CellText(int row, const QueryColumnRef& column) const { retur
 int Query::CellItemsKind(int row, const QueryColumnRef& column) const
 {
     const auto& own = must(ownColumn(column));
-    const auto server = serverFor(own);
+    const auto& cell = rowAt(row);
+    const auto server = serverFor(own, cell);
     CellItems items;
     if (server) {
-        const auto& cell = rowAt(row);
         server->CellValueItems(cell.object, column, cell.position, cells::sourceObject(cell.object, own), items);
     }
     return items.Kind();
@@ -352,7 +380,7 @@ void Query::SetCellValue(int row, const QueryColumnRef& column, const Variant& v
     const auto& cell = rowAt(row);
     const auto source = cells::sourceObject(cell.object, own);
     if (own.ExtendedKind() == extendedkind::None) return cells::write(source, own.settings(), value);
-    const auto server = serverFor(own);
+    const auto server = serverFor(own, cell);
     if (!server) throw PlatformError(err::ObjectNotSet, "no object serves the cells of column " + own.Key());
     server->SetCellValue(cell.object, column, cell.position, source, value);
 }

@@ -186,8 +186,14 @@ public:
 
     QueryColumns& columns() const { return *columns_; }
     // The server of extended cells: the one registered last that still lives.
-    ExtendedRef server() const;
+    // A class named by a stored definition is first bound to the server
+    // published for it in the database of `row` (ExtendedServers.h).
+    ExtendedRef server(const ObjectRef& row);
     void copyRegistrationsFrom(const QueryTop& other) { registrations_ = other.registrations_; }
+    // The class names registered, in order: what a stored definition keeps.
+    std::vector<std::string> classNames() const;
+    // Registrations by class name only, as a stored definition brings them.
+    void nameServers(const std::vector<std::string>& classNames);
     // Forgets every registration and gives back the servers still alive.
     std::vector<ExtendedRef> releaseServers();
 
@@ -195,7 +201,10 @@ private:
     struct Registration {
         std::string className;
         std::weak_ptr<IExtended> server;
+        bool bound = true;  // false: named by a stored definition, not bound to a server yet
     };
+    void bindNamed(const ObjectRef& row);
+
     std::shared_ptr<QueryColumns> columns_;
     CollectionRef objects_;
     std::vector<Registration> registrations_;
@@ -231,7 +240,7 @@ private:
     const Row& rowAt(int row) const;
     std::vector<Row> rowObjects() const;
     Variant valueOf(const Row& row, const QueryColumn& column) const;
-    ExtendedRef serverFor(const QueryColumn& column) const;
+    ExtendedRef serverFor(const QueryColumn& column, const Row& row) const;
 
     std::shared_ptr<QueryTop> top_;
     std::shared_ptr<QueryFilters> filters_;

@@ -88,6 +88,7 @@ json storedJson(const StoredQueryObject& stored, const std::string& where)
     return {{"columns", std::move(columns)},
             {"filters", std::move(filters)},
             {"sorts", std::move(sorts)},
+            {"servers", stored.queryOrg.servers},
             {"objectSet", nodeJson(stored.objectSet)}};
 }
 
@@ -151,6 +152,8 @@ StoredQueryObject storedOf(const json& stored)
                                          filter.at("link").get<int>(), valueOf(filter.at("value"))});
     for (const auto& sort : stored.at("sorts"))
         made.queryOrg.sorts.push_back({sort.at("column").get<std::string>(), sort.at("direction").get<int>()});
+    // Containers stored before queries kept their servers' class names have none.
+    if (const auto servers = stored.find("servers"); servers != stored.end()) servers->get_to(made.queryOrg.servers);
     made.objectSet = nodeOf(stored.at("objectSet"));
     return made;
 }

@@ -2,9 +2,8 @@
 
 // A query as plain data: what a query container stores and what Copy goes
 // through. Columns refer to each other, and filters and sorts to columns, by
-// key. Registered servers are not part of it, as objects are not data: a
-// query rebuilt from a definition serves extended cells once a server is
-// registered with it.
+// key. Registered servers are not part of it, as objects are not data, only
+// the class names they were registered under (see ExtendedServers.h).
 
 #include "objectmodel/QueryInterfaces.h"
 
@@ -63,6 +62,7 @@ struct QueryDefinition {
     std::vector<ColumnDefinition> columns;
     std::vector<FilterDefinition> filters;
     std::vector<SortDefinition> sorts;
+    std::vector<std::string> servers;  // class names of the registrations, in order
 
     bool operator==(const QueryDefinition&) const = default;
 };

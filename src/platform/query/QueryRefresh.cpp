@@ -130,7 +130,11 @@ void Query::Refresh()
     std::vector<Row> shown;
     std::vector<SortKey> keys;  // `levels` keys per shown row, read once, not per comparison
     std::vector<std::optional<Variant>> cellsOfRow(plan.columns.size());
-    for (auto& row : rowObjects()) {
+    auto rows = rowObjects();
+    // A stored query's servers are bound now, while the control refreshing it
+    // is the one published for its class.
+    if (!rows.empty()) top_->server(rows.front().object);
+    for (auto& row : rows) {
         std::fill(cellsOfRow.begin(), cellsOfRow.end(), std::nullopt);
         const auto cell = [&](std::size_t slot) -> const Variant& {
             auto& value = cellsOfRow[slot];

@@ -55,6 +55,7 @@ platform::StoredQueryObject richStoredQuery()
                                {"FunctionCodeDesc", filteroperator::Contains, filterlink::None, Variant("Flange")},
                                {"FunctionCode", filteroperator::Less, filterlink::None, Variant(2.5)}};
     stored.queryOrg.sorts = {{"FunctionCode", sortdirection::Descending}, {"", sortdirection::None}};
+    stored.queryOrg.servers = {"QuorlPipeSpecComp.PipeSpecComp"};
     auto& grid = stored.objectSet.child("TopQGridCDevices").child("QGrid");
     grid.kind = "Grid";
     grid.values["Width.FunctionCode"] = "9";

@@ -5,6 +5,7 @@
 
 #include "platform/query/Query.h"
 #include "objectmodel/ExpectError.h"
+#include "platform/query/ExtendedServers.h"
 #include "platform/query/HeadlessGrid.h"
 #include "platform/query/QueryContainer.h"
 #include "platform/query/QueryFixture.h"
@@ -341,6 +342,15 @@ TEST_F(QueryTest, CopyCarriesEverythingButIsAQueryOfItsOwnAndShutDownLetsGoOfRow
     copy->Top()->Columns()->Add("Extra", -1);
     EXPECT_EQ(code->Title(), "~010fd Funktionscode");
     EXPECT_EQ(query->Top()->Columns()->Count(), 3);
+    // Stored, a query keeps its server's class name: rebuilt, it is served by
+    // the server published for that class, without a registration of its own.
+    const auto stored = platform::Query::fromDefinition(original.definition());
+    stored->Top()->SetObjects(rows({e1, e2}));
+    stored->Refresh();
+    EXPECT_EQ(stored->RowCount(), 0) << "nothing published: the filter's cells are empty";
+    platform::publishExtendedServer(*e1->Workset(), "QuorlPipeSpecComp.PipeSpecComp", served);
+    stored->Refresh();
+    EXPECT_EQ(stored->RowCount(), 2);
     query->ShutDown();
     EXPECT_TRUE(served->shutDown);
     EXPECT_EQ(query->RowCount(), 0);
