@@ -238,6 +238,11 @@ inline constexpr std::string_view DesignerTitle = "~7d034 Rohrklassen-Designer";
 inline constexpr std::string_view ProjectIs = "~7d035 Projekt: %1%";
 inline constexpr std::string_view Toolbar = "~7d036 Werkzeugleiste";
 inline constexpr std::string_view Opened = "~7d037 Geöffnet: %1%";
+inline constexpr std::string_view AddingElements = "~7d040 Elemente werden hinzugefügt";
+inline constexpr std::string_view CopyList = "~7d041 Liste kopieren";
+inline constexpr std::string_view ExportList = "~7d042 Liste exportieren…";
+inline constexpr std::string_view CsvFiles = "~7d043 CSV-Dateien (*.csv)";
+inline constexpr std::string_view CannotWrite = "~7d044 Die Datei %1% kann nicht geschrieben werden.";
 
 inline constexpr std::array all{
     MenuFile,
@@ -292,6 +297,11 @@ inline constexpr std::array all{
     ProjectIs,
     Toolbar,
     Opened,
+    AddingElements,
+    CopyList,
+    ExportList,
+    CsvFiles,
+    CannotWrite,
 };
 
 }  // namespace window
