@@ -267,44 +267,45 @@ void PipeSpecComp::solve(std::string_view command)
     QueryRefresh();
 }
 
+// The selector linked by the pipe class's selector attribute; empty if none.
+DeviceRef PipeSpecComp::linkedSelector() const
+{
+    const auto spec = must(mPipeClass).Spec(diagnostics::names().GD().Selector());
+    return spec ? spec->LinkObject() : nullptr;
+}
+
 // Gives the pipe class its selector root: a copy of the predefined root of
 // its kind (PDMS or not) beside the linked selector, else a new element on
-// that selector. The user is told to load the class again.
-void PipeSpecComp::CreateSelector()
+// that selector. What is missing for it, as the user reads it; "" when done.
+std::string PipeSpecComp::makeSelectorRoot()
 {
     const auto& names = diagnostics::names();
-    const auto linked = [&] {
-        const auto spec = must(mPipeClass).Spec(names.GD().Selector());
-        return spec ? spec->LinkObject() : nullptr;
-    };
-    std::string error;
-    [&] {
-        const auto link = linked();
-        if (!link) {
-            error = filled(msg::PipeClassAttributeNotFound, names.GD().Selector());
-            return;
-        }
-        auto& owner = must(asDevice(link->Owner()));
-        const auto list = owner.CDevices();
-        if (list->Count() == 0) {
-            error = filled(msg::NoPredefinedSelectors, owner.SystemFullName());
-            return;
-        }
-        const int wanted = mPipeClass->Spec(names.PDMS()) ? 1 : 0;
-        for (int i = 1; i <= list->Count(); ++i) {
-            const auto device = asDevice(list->Item(i));
-            const auto flag = device ? device->Spec(names.Sele().PDMSFlag()) : nullptr;
-            if (!flag || text::NumberIn(flag->Value()) != static_cast<double>(wanted)) continue;
-            const auto copy = device->Copy();
-            copy->SetName(names.SelectorRoot());
-            copy->MakePersistent();
-            mPipeClass->OwnElements()->AddObject(copy);
-            return;
-        }
-        auto& element = must(asDevice(mPipeClass->OwnElements()->CreateNewWithName(names.SelectorRoot())));
-        element.SetCDevice(linked());
-        element.MakePersistent();
-    }();
+    const auto link = linkedSelector();
+    if (!link) return filled(msg::PipeClassAttributeNotFound, names.GD().Selector());
+    auto& owner = must(asDevice(link->Owner()));
+    const auto list = owner.CDevices();
+    if (list->Count() == 0) return filled(msg::NoPredefinedSelectors, owner.SystemFullName());
+    const double wanted = mPipeClass->Spec(names.PDMS()) ? 1 : 0;
+    for (int i = 1; i <= list->Count(); ++i) {
+        const auto device = asDevice(list->Item(i));
+        const auto flag = device ? device->Spec(names.Sele().PDMSFlag()) : nullptr;
+        if (!flag || text::NumberIn(flag->Value()) != wanted) continue;
+        const auto copy = device->Copy();
+        copy->SetName(names.SelectorRoot());
+        copy->MakePersistent();
+        mPipeClass->OwnElements()->AddObject(copy);
+        return {};
+    }
+    auto& element = must(asDevice(mPipeClass->OwnElements()->CreateNewWithName(names.SelectorRoot())));
+    element.SetCDevice(linkedSelector());
+    element.MakePersistent();
+    return {};
+}
+
+// The list is not refreshed: the user loads the class again.
+void PipeSpecComp::CreateSelector()
+{
+    const auto error = makeSelectorRoot();
     auto& utilities = diagnostics::utilities();
     if (!error.empty()) {
         utilities.MessageBox(error, mb::Exclamation, translated(msg::ErrorInInitiateSelectors));

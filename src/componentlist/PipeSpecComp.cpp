@@ -49,7 +49,15 @@ PipeSpecComp::PipeSpecComp(QWidget* parent, WizardFactory makeWizard)
     connect(DividerBar1, &qtplatform::DividerBar::SplitterMoveStop, this, [this] { DoResize(); });
 }
 
-PipeSpecComp::~PipeSpecComp() = default;
+// Unlike the other controls, the list shuts itself down as it goes: the
+// panel goes first, then Shutdown, which may already have run.
+PipeSpecComp::~PipeSpecComp()
+{
+    handle("Private Sub 'UserControl_Terminate'", [&] {
+        m_WpfHost->hide();
+        Shutdown();
+    });
+}
 
 // The wizard is made once; its panel starts hidden and the box decides.
 void PipeSpecComp::createWizard(const WizardFactory& makeWizard)

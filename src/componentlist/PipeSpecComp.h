@@ -188,6 +188,8 @@ private:
     void navigate(bool toOriginal);
     void solve(std::string_view command);
     void CreateSelector();
+    [[nodiscard]] std::string makeSelectorRoot();
+    [[nodiscard]] DeviceRef linkedSelector() const;
     void OLEDragOver(int& effect);
     void OLEDragDrop();
     [[nodiscard]] CollectionRef GetCDevicesColl(const Variant& source) const;

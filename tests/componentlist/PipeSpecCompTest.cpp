@@ -7,12 +7,17 @@
 #include "platform/query/QueryContainer.h"
 #include "platform/store/ObjectFactory.h"
 #include "qtplatform/GridMenu.h"
+#include "qtplatform/ObjectCommands.h"
 #include "qtplatform/ObjectDrag.h"
 #include "qtplatform/QtGrid.h"
 #include "support/World.h"
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
 #include <QMenu>
 #include <QMimeData>
 #include <QSignalSpy>
@@ -46,6 +51,7 @@ public:
     void Init() override { log_.push_back("Init"); }
     void ShutDown() override
     {
+        if (!control_) return;
         log_.push_back(std::string("ShutDown") + (control_->grid().Query() ? " grid" : "") +
                        (control_->query() ? " query" : ""));
     }
@@ -179,6 +185,11 @@ TEST_F(PipeSpecCompTest, BuildsTheStandardQueryOnceAndStoresItWhereTheUserMayWri
     EXPECT_TRUE(columns->Item("PipeClass")->Visible());
     EXPECT_EQ(world.host().messageBoxes().size(), 1U);
 
+    // Another class of the same kind loads what was stored.
+    control->SetPipeClass(world.pipeClass(world.root(world.plant(), "@20"), "PC-B", "10000"));
+    EXPECT_NE(control->query(), query);
+    EXPECT_EQ(world.host().messageBoxes().size(), 1U);
+
     // A PDMS class uses a container of its own, sorted by part type; without
     // write access to the base project nothing is stored and nothing said.
     world.base()->setAccessRights(0);
@@ -283,6 +294,20 @@ TEST_F(PipeSpecCompTest, MenuFollowsTheSelectionAndItsCommandsReloadOnlyWhatChan
     EXPECT_EQ(control->grid().SelectedObjects()->Item(1)->Name(), "003");
     EXPECT_EQ(changed.count(), 1);
 
+    // The list as text: the selected rows copied, the whole list as CSV.
+    element("001")->SetDescription("Flansch, \"WN\"");
+    control->grid().Redraw();
+    menu(cellAt(0, "Name"), "LIST_COPY");
+    EXPECT_THAT(QGuiApplication::clipboard()->text().toStdString(),
+                HasSubstr("Abzweigbauteile\n13100\t13100\t001\tFL\tFlansch, \"WN\"\t"));
+    const auto csv = QDir::temp().filePath("componentlist-export.csv");
+    qtplatform::ListCommand(control->grid()).Export(csv);
+    QFile written(csv);
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    EXPECT_THAT(written.readAll().toStdString(),
+                HasSubstr("\r\n13100,13100,001,FL,\"Flansch, \"\"WN\"\"\",,,0\r\n71100,"));
+    written.remove();
+
     // Delete: the cached entry goes either way; the list reloads only when a row went.
     const auto cache = world.workset()->Globals()->getOption(option::PipeClassCache).map();
     cache->Add("Pc-a1", Variant("cached"));
@@ -335,6 +360,7 @@ TEST_F(PipeSpecCompTest, DropsAddAsOneUndoStepAndTheListsOwnRowsAreRefused)
     control->SetPipeClass(pipeClass);
     const auto undo = world.workset()->NewUndoState();
     world.workset()->SetCurrentUndoState(undo);
+    pipeClass->SetDescription("before the drop");
     QMimeData objects;
     objects.setData(qtplatform::kObjectsMimeType, {});
     const auto drop = [&] {
@@ -371,6 +397,7 @@ TEST_F(PipeSpecCompTest, DropsAddAsOneUndoStepAndTheListsOwnRowsAreRefused)
     EXPECT_EQ(control->grid().SelectedObjects()->Count(), 2);
     undo->Undo();
     EXPECT_EQ(pipeClass->Devices()->Count(), 2) << "one step took both back";
+    EXPECT_EQ(pipeClass->Description(), "before the drop") << "and nothing before them";
 }
 
 TEST_F(PipeSpecCompTest, WizardBoxLayoutAndShutdownInOrder)
