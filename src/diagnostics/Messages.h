@@ -262,6 +262,11 @@ inline constexpr std::string_view WizardDiameterNotOffered =
     "~7d06c Nennweite DN %1% wird von der Rohrklasse nicht angeboten";
 inline constexpr std::string_view WizardStructureElement =
     "~7d06d Strukturelement: erst das Auflösen macht Komponenten daraus";
+inline constexpr std::string_view AddingElements = "~7d040 Elemente werden hinzugefügt";
+inline constexpr std::string_view CopyList = "~7d041 Liste kopieren";
+inline constexpr std::string_view ExportList = "~7d042 Liste exportieren…";
+inline constexpr std::string_view CsvFiles = "~7d043 CSV-Dateien (*.csv)";
+inline constexpr std::string_view CannotWrite = "~7d044 Die Datei %1% kann nicht geschrieben werden.";
 
 inline constexpr std::array all{
     MenuFile,
@@ -334,6 +339,11 @@ inline constexpr std::array all{
     WizardPressureDiffers,
     WizardDiameterNotOffered,
     WizardStructureElement,
+    AddingElements,
+    CopyList,
+    ExportList,
+    CsvFiles,
+    CannotWrite,
 };
 
 }  // namespace window

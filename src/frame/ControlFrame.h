@@ -77,7 +77,7 @@ public:
     void UpdateLayout();
     // Puts the look's tab colour on the tab control, if any; gives 4, the
     // number of the colour, not the colour.
-    int TabBackGround();
+    virtual int TabBackGround();
 
     // Whether the control can serve that object, asked by the host before it
     // shows the control; a refusal names the chapter the object lacks and an
@@ -88,7 +88,7 @@ public:
     [[nodiscard]] DeviceRef PipeClass() const { return mPipeClass; }
     // A pipe class brings its workset and runs Refresh; empty leaves the
     // workset as it was and refreshes nothing.
-    void SetPipeClass(const DeviceRef& pipeClass);
+    virtual void SetPipeClass(const DeviceRef& pipeClass);
     void SetPipeSpecXML(const QDomDocument& document) { m_PipeSpecXML = document; }
     // Stores a given state, then makes the stored one the workset's current
     // undo state. Empty: only make sure the stored state is current.

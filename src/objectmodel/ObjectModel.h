@@ -248,6 +248,10 @@ public:
     virtual ~IAppGlobals() = default;
     virtual bool Exist(std::string_view name) const = 0;
     virtual bool TubrixDesignerRun() const = 0;
+    // The pipe class open in the designer's component list, by upper-case
+    // name; "" when none. Kept for the session only.
+    virtual std::string TubrixDesignerRunClass() const = 0;
+    virtual void SetTubrixDesignerRunClass(std::string_view pipeClassName) = 0;
     virtual std::shared_ptr<INavigator> Navigator() const = 0;
 };
 

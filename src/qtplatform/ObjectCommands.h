@@ -10,8 +10,10 @@
 #include "objectmodel/ObjectModel.h"
 
 #include <QObject>
+#include <QStringList>
 
 #include <string_view>
+#include <vector>
 
 namespace pipespec::qtplatform {
 
@@ -55,9 +57,15 @@ public:
     // The visible columns' titles, then one line per row of those objects,
     // cells as the grid shows them, separated by `separator`.
     QString text(const CollectionRef& objects, QChar separator) const;
+    // Writes the whole list as CSV to that file, or asks for a file when
+    // none is given (scripts and tests give one).
+    void Export(const QString& fileName = {}) const;
     void ShutDown();
 
 private:
+    // The titles, then the cells of each row of those objects (all rows for nothing).
+    std::vector<QStringList> lines(const CollectionRef& objects) const;
+
     IQGrid* grid_;
     CollectionRef objects_;
 };

@@ -127,6 +127,8 @@ class AppGlobals final : public IAppGlobals {
 public:
     bool Exist(std::string_view name) const override;
     bool TubrixDesignerRun() const override { return designerRun_; }
+    std::string TubrixDesignerRunClass() const override { return designerRunClass_; }
+    void SetTubrixDesignerRunClass(std::string_view pipeClassName) override { designerRunClass_ = pipeClassName; }
     std::shared_ptr<INavigator> Navigator() const override { return navigator_; }
 
     void setTubrixDesignerRun(bool running) { designerRun_ = running; }
@@ -137,6 +139,7 @@ public:
 
 private:
     bool designerRun_ = false;
+    std::string designerRunClass_;
     std::shared_ptr<INavigator> navigator_;
     std::map<std::string, Variant> values_;  // by upper-case name
 };
