@@ -2,6 +2,7 @@
 
 // What the benchmark programs build their databases with.
 
+#include "platform/JsonNameTable.h"
 #include "platform/persistence/Persistence.h"
 #include "platform/store/Database.h"
 
@@ -181,6 +182,67 @@ struct PdmsCatalogue : Projects {
         const auto flanges = selector(root, "FLAN", "FLAN", "PIPE.FTYPE", selectors);
         for (const auto* type : {"WN", "BL"})
             selector(flanges, std::string("FTYPE:") + type, type, "PDMS.PBOR1", selectors);
+    }
+};
+
+// The standard table at that "|" path below a project's table root, made
+// with the tables on its way.
+inline std::shared_ptr<platform::StandardTable> table(std::shared_ptr<platform::StandardTable> owner,
+                                                      const std::string& path)
+{
+    std::size_t from = 0;
+    while (from <= path.size()) {
+        const auto bar = std::min(path.find('|', from), path.size());
+        owner = owner->createChild(path.substr(from, bar - from));
+        from = bar + 1;
+    }
+    return owner;
+}
+
+inline void tableValue(const std::shared_ptr<platform::StandardTable>& owner, const std::string& value,
+                       const std::string& description)
+{
+    const auto made = std::dynamic_pointer_cast<IStandardValue>(owner->Values()->CreateNewWithName(value));
+    made->SetValue(value);
+    made->SetDescription(description);
+}
+
+inline std::shared_ptr<const platform::JsonNameTable> shippedNames()
+{
+    static const auto names = platform::JsonNameTable::load(platform::JsonNameTable::shippedPath());
+    return names;
+}
+
+// A pipe class of `count` elements as element creation leaves them: a
+// catalogue object, a function code (10100 to 10999 in turn) and a
+// nominal-diameter range each; with the tables of function codes and nominal
+// diameters that the search offers.
+struct LargeClass : Projects {
+    DeviceRef pipeClass;
+
+    explicit LargeClass(int count)
+    {
+        const auto codes = table(base->tableRoot(), "@3D|00|VFCD");
+        for (int code = 10100; code < 11000; ++code)
+            tableValue(codes, std::to_string(code), "Function " + std::to_string(code));
+        const auto diameters = table(base->tableRoot(), "@3D|01|DIN|05");
+        for (const int dn : {15, 50, 100, 600}) tableValue(diameters, std::to_string(dn), "DN " + std::to_string(dn));
+        const auto catalog = base->addRoot("@40");
+        const auto flange = asDevice(catalog->OwnElements()->CreateNewWithName("FL-WN"));
+        attribute(flange, "GD", "VFCD", "10100");
+        pipeClass = asDevice(plant->addRoot("@20")->OwnElements()->CreateNewWithName("PC-LARGE"));
+        attribute(pipeClass, "GD", "VFCD", "10000");
+        const auto list = attribute(pipeClass, "NR", "DNLIST", "");
+        list->SetXValue(0, "15");
+        const auto elements = pipeClass->OwnElements();
+        for (int i = 0; i < count; ++i) {
+            const auto element = asDevice(elements->CreateNewWithName(numbered("", i + 1)));
+            element->SetCDevice(flange);
+            element->SetDescription("Flange " + std::to_string(i));
+            attribute(element, "GD", "VFCD", std::to_string(10100 + i % 900));
+            attribute(element, "NR", "DNFROM", "15");
+            attribute(element, "NR", "DNTO", "600");
+        }
     }
 };
 

@@ -65,6 +65,13 @@ constexpr Target kTargets[] = {
     {"BM_QtGridShowQuery50k", "Qt grid: show a 50,000-row query, up to its first painted screen", Check::WallAtMost,
      0.300},
     {"BM_QtGridScrollOneScreen50k", "Qt grid: scroll 50,000 rows by one screen and paint it", Check::WallAtMost, 0.016},
+    {"BM_ComponentListPipeClass50k", "Component list: set a class of 50,000 elements, up to its first painted screen",
+     Check::WallAtMost, 0.300},
+    {"BM_ComponentListDrop1000", "Component list: drop 1,000 components on a class (create, reread, select)",
+     Check::WallAtMost, 0.500},
+    {"BM_ComponentListDrop1000Pdms", "Component list: the same drop on a PDMS class, selector walk included",
+     Check::WallAtMost, 1.0},
+    {"BM_ComponentSearch50k", "Component search over a class of 50,000 elements", Check::WallAtMost, 0.050},
 };
 
 // Repetitions unless the command line says how many: the table shows their medians.

@@ -3,6 +3,7 @@
 // paint asks of the model and reads from the query, against the cells the
 // screen shows: the model reads visible cells only.
 
+#include "WidgetSupport.h"
 #include "platform/store/Database.h"
 #include "platform/store/ObjectFactory.h"
 #include "qtplatform/QtGrid.h"
@@ -13,27 +14,15 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
 #include <memory>
 #include <string>
 
 namespace {
 
 using namespace pipespec;
+using bench::needApplication;
 
 constexpr int kRows = 50'000;
-
-// The application object the widgets need, made on first use, offscreen:
-// a benchmark opens no window on anyone's desktop.
-void needApplication()
-{
-    static int argc = 1;
-    static char name[] = "pipespec_bench";
-    static char* argv[] = {name, nullptr};
-    static const bool offscreen = ::setenv("QT_QPA_PLATFORM", "offscreen", 1) == 0;
-    static const QApplication application(argc, argv);
-    benchmark::DoNotOptimize(offscreen);
-}
 
 // Elements with a name, a description and a function code, in a refreshed
 // query of four columns as the component list shows them.

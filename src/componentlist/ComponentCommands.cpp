@@ -203,9 +203,9 @@ void PipeSpecComp::PopUpCmd(std::string_view fullKey)
         } else if (key == "PCOMRange") {
             openRange();
         } else if (key == "Paste") {
-            AddCDevicesToPipeClass(GetCDevicesColl(Variant(must(gWorkset).ClipboardObjects())));
+            Paste();
         } else if (key == "NavigatePipeClass" || key == "NavigateOriginal") {
-            navigate(key == "NavigateOriginal");
+            navigateTo(QGrid->CurrentObject(), key == "NavigateOriginal");
         } else if (key == "Refresh") {
             QueryRefresh();
         } else if (key.ends_with("SolveTemplate") || key.ends_with("SolveCDevice")) {
@@ -234,16 +234,6 @@ void PipeSpecComp::openRange()
     m_PCOMRange->Init(target);
     const auto mainWindow = diagnostics::utilities().MainWindow();
     if (const auto windows = mainWindow ? mainWindow->WindowService() : nullptr) windows->ShowForm(*m_PCOMRange);
-}
-
-void PipeSpecComp::navigate(bool toOriginal)
-{
-    auto& globals = must(must(gWorkset).AppGlobals());
-    const auto navigator = globals.Exist("NAVIGATOR") ? globals.Navigator() : nullptr;
-    if (!navigator) return;
-    auto target = asDevice(QGrid->CurrentObject());
-    if (toOriginal && target) target = target->CDevice();
-    if (target) navigator->SetPLTObject(target);
 }
 
 // Solving is the wizard engine's; the list only reloads afterwards, after a
@@ -338,6 +328,8 @@ void PipeSpecComp::OLEDragDrop()
 // list the kind test reads the list itself, which is no device: every live
 // device of the list is taken, and element creation refuses what may not
 // become an element.
+void PipeSpecComp::Paste() { AddCDevicesToPipeClass(GetCDevicesColl(Variant(must(gWorkset).ClipboardObjects()))); }
+
 CollectionRef PipeSpecComp::GetCDevicesColl(const Variant& source) const
 {
     CollectionRef result;

@@ -94,7 +94,7 @@ void PipeSpecComp::SetPipeClass(const DeviceRef& value)
     });
 }
 
-bool PipeSpecComp::ValidChapter(const ObjectRef& vNewValue, int& ErrorID, std::string& strSelectChapter)
+bool PipeSpecComp::ValidChapter(const DeviceRef& vNewValue, std::int32_t& ErrorID, std::string& strSelectChapter)
 {
     const diagnostics::Trace trace(classString(), "ValidChapter");
     bool result = false;
@@ -105,8 +105,9 @@ bool PipeSpecComp::ValidChapter(const ObjectRef& vNewValue, int& ErrorID, std::s
         const auto Speci = must(vNewValue).Spec(names.NameRangeListAttr());
         trace.object("Speci", Speci);
         if (!Speci) return;
-        trace.text("Speci.MaxLinkedXValueCount = " + std::to_string(Speci->LinkedCount()));
-        if (Speci->LinkedCount() <= 0) return;
+        // The most linked values the list holds: its rows.
+        trace.text("Speci.MaxLinkedXValueCount = " + std::to_string(Speci->RowCount()));
+        if (Speci->RowCount() <= 0) return;
         strSelectChapter = "COMPONENT";
         result = true;
     });

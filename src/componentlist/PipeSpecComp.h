@@ -66,9 +66,10 @@ public:
     // Marks the class as the one open in the designer; only another class
     // than the one on show throws the query away and refreshes.
     void SetPipeClass(const DeviceRef& value) override;
-    // True when the object's name-range list links values: the host then
+    // True when the object's name-range list holds values: the host then
     // selects "COMPONENT"; otherwise the name-range chapter (ErrorID 1).
-    [[nodiscard]] bool ValidChapter(const ObjectRef& vNewValue, int& ErrorID, std::string& strSelectChapter);
+    [[nodiscard]] bool ValidChapter(const DeviceRef& vNewValue, std::int32_t& ErrorID,
+                                    std::string& strSelectChapter) override;
     int TabBackGround() override;
 
     // Re-evaluates the query on the same objects.
@@ -86,6 +87,11 @@ public:
     DeviceRef AddToPipeClassAfterDrag(const DeviceRef& CDevObject);
     // One undo step with progress; what was made before a cancel stays.
     void AddCDevicesToPipeClass(const CollectionRef& sources);
+    // Whether the workset's clipboard can be pasted onto the pipe class, in
+    // its own project; Paste makes elements of what it holds, as the menu's
+    // entry does.
+    [[nodiscard]] bool IsPasteEnabled() const;
+    void Paste();
     // Selects the rows of those objects in the grid.
     void SelectPipeClassObjects(const CollectionRef& objects);
 
@@ -185,7 +191,6 @@ private:
     void addElementEntries(IPopUpMenu& popup, const DeviceRef& cdev);
     void PopUpCmd(std::string_view key);
     void openRange();
-    void navigate(bool toOriginal);
     void solve(std::string_view command);
     void CreateSelector();
     [[nodiscard]] std::string makeSelectorRoot();
@@ -193,7 +198,6 @@ private:
     void OLEDragOver(int& effect);
     void OLEDragDrop();
     [[nodiscard]] CollectionRef GetCDevicesColl(const Variant& source) const;
-    [[nodiscard]] bool IsPasteEnabled() const;
 
     qtplatform::QtGrid* QGrid;            // Owned by DividerBar1.
     QCheckBox* CheckRecursive;            // Owned by this control.

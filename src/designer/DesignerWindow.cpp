@@ -1,5 +1,7 @@
 #include "designer/DesignerWindow.h"
 
+#include "componentlist/PipeSpecComp.h"
+#include "componentsearch/PipeCompSearch.h"
 #include "designer/MessageDock.h"
 #include "designer/PipeClassPages.h"
 #include "designer/PropertiesPanel.h"
@@ -93,6 +95,7 @@ DesignerWindow::DesignerWindow(DesignerHost& host, QWidget* parent)
         if (message.kind == HostMessage::Kind::Error) lastError_ = message.text;
     });
     connect(explorer_, &qtplatform::ObjectTreeView::currentObjectChanged, this, &DesignerWindow::currentObjectChanged);
+    connect(pages_, &QTabWidget::currentChanged, this, [this] { updateActions(); });
     connect(explorerFilter_, &QLineEdit::textChanged, explorer_, &qtplatform::ObjectTreeView::setNameFilter);
     retranslate();
     showRecent();
@@ -144,10 +147,14 @@ void DesignerWindow::makeActions()
     redo_ = action(QKeySequence::UnknownKey, QStyle::SP_ArrowForward,
                    [this] { act("Redo", [this] { document_->redo(); }); });
     redo_->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+    copy_ = action(QKeySequence::Copy, QStyle::SP_FileLinkIcon, [this] { copySelected(); });
+    paste_ = action(QKeySequence::Paste, QStyle::SP_DialogApplyButton, [this] { paste(); });
     delete_ = action(QKeySequence::Delete, QStyle::SP_TrashIcon, [this] { deleteSelected(); });
-    // Delete belongs to the explorer: in a text field the key edits the text.
-    delete_->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-    explorer_->addAction(delete_);
+    // Copy and Delete belong to the explorer: in a text field the keys edit the text.
+    for (auto* explorerAction : {copy_, delete_}) {
+        explorerAction->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        explorer_->addAction(explorerAction);
+    }
     showProperties_ = action(QKeySequence::UnknownKey, QStyle::SP_FileDialogInfoView, [this] {
         propertiesDock_->show();
         propertiesDock_->raise();
@@ -175,7 +182,9 @@ void DesignerWindow::makeMenus()
     editMenu_ = menuBar()->addMenu(QString());
     editMenu_->addActions({undo_, redo_});
     editMenu_->addSeparator();
-    editMenu_->addActions({delete_, showProperties_});
+    editMenu_->addActions({copy_, paste_, delete_});
+    editMenu_->addSeparator();
+    editMenu_->addAction(showProperties_);
     viewMenu_ = menuBar()->addMenu(QString());
     viewMenu_->addActions(
         {explorerDock_->toggleViewAction(), propertiesDock_->toggleViewAction(), messagesDock_->toggleViewAction()});
@@ -205,6 +214,8 @@ void DesignerWindow::retranslate()
     editMenu_->setTitle(shown(msg::window::MenuEdit));
     undo_->setText(shown(msg::window::Undo));
     redo_->setText(shown(msg::window::Redo));
+    copy_->setText(shown(msg::window::Copy));
+    paste_->setText(shown(msg::window::Paste));
     delete_->setText(shown(msg::window::Delete));
     showProperties_->setText(shown(msg::window::Properties));
     viewMenu_->setTitle(shown(msg::window::MenuView));
@@ -307,6 +318,9 @@ void DesignerWindow::updateActions()
     undo_->setEnabled(open && document_->canUndo());
     redo_->setEnabled(open && document_->canRedo());
     delete_->setEnabled(open && explorer_->currentObject() && writable(*explorer_->currentObject()));
+    copy_->setEnabled(open && explorer_->currentObject());
+    const auto* list = componentList();
+    paste_->setEnabled(list && list->IsPasteEnabled());
 }
 
 bool DesignerWindow::act(const char* function, const std::function<void()>& action)
@@ -402,6 +416,22 @@ void DesignerWindow::deleteSelected()
     });
 }
 
+void DesignerWindow::copySelected()
+{
+    if (document_) document_->workset()->setClipboardObjects(explorer_->selectedObjects());
+    updateActions();
+}
+
+void DesignerWindow::paste()
+{
+    if (auto* list = componentList()) act("Paste", [&] { list->Paste(); });
+}
+
+componentlist::PipeSpecComp* DesignerWindow::componentList() const
+{
+    return dynamic_cast<componentlist::PipeSpecComp*>(pages_->currentControl());
+}
+
 bool DesignerWindow::showPipeClass(const QString& name)
 {
     if (!document_) return false;
@@ -410,6 +440,34 @@ bool DesignerWindow::showPipeClass(const QString& name)
         return (object->Name() == wanted || object->SystemFullName() == wanted) && addtopipeclass::IsPipeClass(object);
     });
     return pipeClass && reveal(pipeClass);
+}
+
+bool DesignerWindow::dropOnComponentList(const QStringList& names)
+{
+    auto* list = dynamic_cast<componentlist::PipeSpecComp*>(pages_->control("PipeSpecComp"));
+    if (!document_ || !list || list->PipeClass() != pages_->pipeClass()) return false;
+    const auto dropped = document_->workset()->NewCollection();
+    for (const auto& name : names) {
+        const auto wanted = name.toStdString();
+        const auto component = explorer_->treeModel().find([&](const ObjectRef& object) {
+            // A catalogue component: no pipe class, and no element of one.
+            return object->Name() == wanted && !addtopipeclass::IsPipeClass(object) &&
+                   !addtopipeclass::IsPipeClass(object->Owner());
+        });
+        if (!component) return false;
+        dropped->Add(component);
+    }
+    list->AddCDevicesToPipeClass(dropped);
+    return true;
+}
+
+bool DesignerWindow::search(const QString& criteria)
+{
+    auto* search = dynamic_cast<componentsearch::PipeCompSearch*>(pages_->control("PipeCompSearch"));
+    const auto parts = criteria.split(',');
+    if (!search || parts.size() != 2) return false;
+    if (!search->autoFind().isChecked()) search->autoFind().trigger();
+    return search->pick(parts[0].toDouble(), parts[1].toDouble());
 }
 
 bool DesignerWindow::reveal(const ObjectRef& object)

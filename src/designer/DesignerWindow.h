@@ -30,6 +30,10 @@ namespace pipespec::qtplatform {
 class ObjectTreeView;
 }
 
+namespace pipespec::componentlist {
+class PipeSpecComp;
+}
+
 namespace pipespec::designer {
 
 class MessageDock;
@@ -58,6 +62,12 @@ public:
     bool showPipeClass(const QString& name);
     // Reveals and selects the object in the explorer.
     bool reveal(const ObjectRef& object);
+    // Drops the catalogue components of those names on the component list of
+    // the class on show, as a user drags them ("--add"). False when a name is
+    // no catalogue component or the list does not serve the class.
+    bool dropOnComponentList(const QStringList& names);
+    // Searches "CODE,DN" on the search page, AutoFind on ("--find").
+    bool search(const QString& criteria);
 
     Document* document() const { return document_; }
     qtplatform::ObjectTreeView& explorer() const { return *explorer_; }
@@ -87,6 +97,12 @@ private:
     bool maybeSave();
     void openDialog(bool jsonProject);
     void deleteSelected();
+    // The explorer's selection onto the workset's clipboard.
+    void copySelected();
+    // The clipboard onto the page on show, where its control takes it.
+    void paste();
+    // The component list, when its page is on show and serves the class.
+    componentlist::PipeSpecComp* componentList() const;
     void rememberRecent(const QString& path);
     void showRecent();
     // Runs one user action with its failures reported to the dock and the status bar.
@@ -122,6 +138,8 @@ private:
     QAction* quit_ = nullptr;
     QAction* undo_ = nullptr;
     QAction* redo_ = nullptr;
+    QAction* copy_ = nullptr;
+    QAction* paste_ = nullptr;
     QAction* delete_ = nullptr;
     QAction* showProperties_ = nullptr;
     QAction* german_ = nullptr;

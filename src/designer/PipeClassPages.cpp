@@ -1,5 +1,7 @@
 #include "designer/PipeClassPages.h"
 
+#include "componentlist/PipeSpecComp.h"
+#include "componentsearch/PipeCompSearch.h"
 #include "designer/DesignerHost.h"
 #include "diagnostics/Messages.h"
 #include "diagnostics/Translate.h"
@@ -8,6 +10,8 @@
 #include <QLabel>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace pipespec::designer {
 
@@ -29,23 +33,26 @@ QString refusalText(std::int32_t errorId, const std::string& chapter)
 PipeClassPages::PipeClassPages(QWidget* parent) : QTabWidget(parent)
 {
     setDocumentMode(true);
-    const auto described = [](const char* control, qtplatform::ObjectKind picture, std::string_view caption,
-                              std::string_view purpose) {
+    const auto described = [](const char* control, const char* alias, qtplatform::ObjectKind picture,
+                              std::string_view caption, std::string_view purpose) {
         Page made;
         made.control = control;
+        made.alias = alias;
         made.picture = picture;
         made.caption = caption;
         made.purpose = purpose;
         return made;
     };
-    pages_.push_back(described("PipeSpecComp", qtplatform::ObjectKind::Element, msg::window::ComponentListPage,
-                               msg::window::ComponentListPurpose));
-    pages_.push_back(described("PipeSpecSelector", qtplatform::ObjectKind::Selector, msg::window::SelectorsPage,
-                               msg::window::SelectorsPurpose));
-    pages_.push_back(described("PipeSpecNDRange", qtplatform::ObjectKind::Chapter, msg::window::RangesPage,
+    pages_.push_back(described("PipeSpecComp", "components", qtplatform::ObjectKind::Element,
+                               msg::window::ComponentListPage, msg::window::ComponentListPurpose));
+    pages_.push_back(described("PipeSpecSelector", "selectors", qtplatform::ObjectKind::Selector,
+                               msg::window::SelectorsPage, msg::window::SelectorsPurpose));
+    pages_.push_back(described("PipeSpecNDRange", "ranges", qtplatform::ObjectKind::Chapter, msg::window::RangesPage,
                                msg::window::RangesPurpose));
-    pages_.push_back(described("PipeCompSearch", qtplatform::ObjectKind::Component, msg::window::ComponentSearchPage,
-                               msg::window::ComponentSearchPurpose));
+    pages_.push_back(described("PipeCompSearch", "search", qtplatform::ObjectKind::Component,
+                               msg::window::ComponentSearchPage, msg::window::ComponentSearchPurpose));
+    pages_.front().make = [] { return new componentlist::PipeSpecComp; };  // Owned by its page once added.
+    pages_.back().make = [] { return new componentsearch::PipeCompSearch; };
     for (auto& page : pages_) {
         page.stack = new QStackedWidget(this);  // Owned by the tabs once added.
         page.stack->setObjectName(page.control);
@@ -157,8 +164,10 @@ frame::ControlFrame* PipeClassPages::currentControl() const
 bool PipeClassPages::showPage(const QString& name)
 {
     for (int at = 0; at < count(); ++at) {
-        if (name.compare(QString::fromLatin1(pages_[static_cast<std::size_t>(at)].control), Qt::CaseInsensitive) == 0 ||
-            name.compare(tabText(at), Qt::CaseInsensitive) == 0) {
+        const auto& page = pages_[static_cast<std::size_t>(at)];
+        const auto names = {QString::fromLatin1(page.control), QString::fromLatin1(page.alias), tabText(at)};
+        if (std::any_of(names.begin(), names.end(),
+                        [&](const QString& known) { return name.compare(known, Qt::CaseInsensitive) == 0; })) {
             setCurrentIndex(at);
             return true;
         }

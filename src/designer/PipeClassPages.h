@@ -43,14 +43,15 @@ public:
     frame::ControlFrame* control(std::string_view name) const;
     // The control of the page on show, if it serves the pipe class on show.
     frame::ControlFrame* currentControl() const;
-    // Shows the page of that control name ("PipeSpecSelector") or caption;
-    // false if there is none.
+    // Shows the page of that control name ("PipeSpecSelector"), short name
+    // ("selectors") or caption; false if there is none.
     bool showPage(const QString& name);
     void retranslate();
 
 private:
     struct Page {
         const char* control = "";
+        const char* alias = "";                                            // the short name a command line takes
         qtplatform::ObjectKind picture = qtplatform::ObjectKind::Element;  // what the page is about
         std::string_view caption;                                          // message literals
         std::string_view purpose;

@@ -4,6 +4,7 @@
 //                                one, the user's database made from the sample
 //   --screenshot FILE.png        renders the window off screen and exits
 //   --page NAME --class NAME     what the screenshot shows
+//   --add NAME,... --find CODE,DN  components dropped on the list, a search
 //   --lang de|en                 the language (else the one chosen last)
 
 #include "designer/DesignerWindow.h"
@@ -33,8 +34,17 @@ int screenshot(DesignerWindow& window, const QCommandLineParser& options)
         std::cerr << "pipespec-designer: there is no pipe class '" << options.value("class").toStdString() << "'\n";
         return kUsage;
     }
+    if (options.isSet("add") && !window.dropOnComponentList(options.value("add").split(','))) {
+        std::cerr << "pipespec-designer: cannot add " << options.value("add").toStdString()
+                  << " to the component list of the class on show\n";
+        return kUsage;
+    }
     if (options.isSet("page") && !window.pages().showPage(options.value("page"))) {
         std::cerr << "pipespec-designer: there is no page '" << options.value("page").toStdString() << "'\n";
+        return kUsage;
+    }
+    if (options.isSet("find") && !window.search(options.value("find"))) {
+        std::cerr << "pipespec-designer: --find takes CODE,DN, as the search page offers them\n";
         return kUsage;
     }
     QApplication::processEvents();
@@ -69,10 +79,12 @@ int main(int argc, char* argv[])
                                           "made from the sample project)");
     options.addOptions({{"screenshot", "render the window to FILE.png off screen and exit", "FILE.png"},
                         {"page",
-                         "the page the screenshot shows (PipeSpecComp, PipeSpecSelector, PipeSpecNDRange, "
-                         "PipeCompSearch)",
+                         "the page the screenshot shows (components, selectors, ranges, search, or the "
+                         "controls' names)",
                          "NAME"},
                         {"class", "the pipe class the screenshot shows", "NAME"},
+                        {"add", "catalogue components dropped on the class's component list first", "NAME,..."},
+                        {"find", "function code and nominal diameter the search page looks for", "CODE,DN"},
                         {"lang", "the language, de or en", "LANG"}});
     options.process(application);
     if (options.positionalArguments().size() > 1) {

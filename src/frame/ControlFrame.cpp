@@ -94,6 +94,16 @@ void ControlFrame::SetPipeClass(const DeviceRef& pipeClass)
     });
 }
 
+void ControlFrame::navigateTo(const ObjectRef& current, bool toOriginal) const
+{
+    auto& globals = must(must(gWorkset).AppGlobals());
+    const auto navigator = globals.Exist("NAVIGATOR") ? globals.Navigator() : nullptr;
+    if (!navigator) return;
+    auto target = asDevice(current);
+    if (toOriginal && target) target = target->CDevice();
+    if (target) navigator->SetPLTObject(target);
+}
+
 bool ControlFrame::ValidChapter(const DeviceRef&, std::int32_t& ErrorID, std::string& strSelectChapter)
 {
     ErrorID = 0;

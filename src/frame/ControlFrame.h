@@ -109,6 +109,10 @@ protected:
     virtual void retranslate() {}
     // The tab strip TabBackGround colours; none by default.
     virtual QWidget* tabControl() { return nullptr; }
+    // Hands the object, or with `toOriginal` the catalogue object it was made
+    // from, to the host's navigator ("NAVIGATOR" of the workset's
+    // AppGlobals), which reveals it. Without navigator or object: nothing.
+    void navigateTo(const ObjectRef& current, bool toOriginal) const;
     // Whether ActivateRollbackState traces its "enter" (most controls do).
     void setTracesRollbackEntry(bool on) noexcept { tracesRollbackEntry_ = on; }
 

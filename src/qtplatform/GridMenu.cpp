@@ -22,13 +22,6 @@ constexpr std::array<std::pair<std::string_view, QStyle::StandardPixmap>, 4> kIm
     {"std_AutoFind", QStyle::SP_BrowserReload},
 }};
 
-QIcon imageIcon(std::string_view image)
-{
-    for (const auto& [name, pixmap] : kImages)
-        if (name == image) return QApplication::style()->standardIcon(pixmap);
-    return {};
-}
-
 QString shownText(const std::string& text) { return QString::fromStdString(diagnostics::utilities().Translate(text)); }
 }  // namespace
 
@@ -49,9 +42,16 @@ void fillMenu(QMenu& menu, const std::vector<platform::MenuEntry>& entries, cons
             action = menu.addAction(shownText(entry.text));
         }
         action->setData(QString::fromStdString(entry.key));
-        action->setIcon(imageIcon(entry.image));
+        action->setIcon(standardImage(entry.image));
         action->setEnabled(entry.enabled);
     }
+}
+
+QIcon standardImage(std::string_view image)
+{
+    for (const auto& [name, pixmap] : kImages)
+        if (name == image) return QApplication::style()->standardIcon(pixmap);
+    return {};
 }
 
 std::string menuKey(const QAction& action) { return action.data().toString().toStdString(); }

@@ -12,8 +12,11 @@
 
 #include "platform/query/PopUpMenu.h"
 
+#include <QIcon>
 #include <functional>
+
 #include <string>
+#include <string_view>
 #include <vector>
 
 class QAction;
@@ -25,6 +28,10 @@ namespace pipespec::qtplatform {
 using SubMenuOpens = std::function<void(const std::string& key)>;
 
 void fillMenu(QMenu& menu, const std::vector<platform::MenuEntry>& entries, const SubMenuOpens& subMenuOpens);
+
+// The style's icon for one of the platform's standard image names
+// ("std_Find"); none for another name.
+[[nodiscard]] QIcon standardImage(std::string_view image);
 
 // The full key an action of such a menu carries; empty for a separator.
 [[nodiscard]] std::string menuKey(const QAction& action);
