@@ -16,6 +16,7 @@
 
 #include <QCheckBox>
 #include <QItemSelectionModel>
+#include <QVBoxLayout>
 
 namespace pipespec::componentlist {
 
@@ -30,10 +31,10 @@ PipeSpecComp::PipeSpecComp(QWidget* parent, WizardFactory makeWizard)
       CheckRecursive(new QCheckBox(this)),
       chk_Wizard(new QCheckBox(this)),
       DividerBar1(new qtplatform::DividerBar(Qt::Vertical, this)),
-      m_WpfHost(new QWidget(DividerBar1))
+      m_WpfHost(new QWidget(DividerBar1)),
+      QGrid(new qtplatform::QtGrid("QGrid", DividerBar1))
 {
     handle("Private Sub 'UserControl_Initialize'", [&] {
-        QGrid = new qtplatform::QtGrid("QGrid", DividerBar1);
         DividerBar1->addWidget(m_WpfHost);
         DividerBar1->addWidget(QGrid);
         createWizard(makeWizard);
@@ -67,6 +68,10 @@ void PipeSpecComp::createWizard(const WizardFactory& makeWizard)
         if (m_Wizard) return;
         trace.text("creating wizard...");
         m_Wizard = makeWizard ? makeWizard(*m_WpfHost) : std::make_unique<qtplatform::Wizard>(m_WpfHost);
+        // The panel the wizard made in its host fills the host.
+        auto* fill = new QVBoxLayout(m_WpfHost);  // Owned by the host.
+        fill->setContentsMargins(0, 0, 0, 0);
+        for (auto* panel : m_WpfHost->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) fill->addWidget(panel);
         trace.text("creating wizard done");
         m_Wizard->Init();
         trace.text("init wizard done");

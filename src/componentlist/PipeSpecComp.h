@@ -199,11 +199,11 @@ private:
     void OLEDragDrop();
     [[nodiscard]] CollectionRef GetCDevicesColl(const Variant& source) const;
 
-    qtplatform::QtGrid* QGrid;            // Owned by DividerBar1.
     QCheckBox* CheckRecursive;            // Owned by this control.
     QCheckBox* chk_Wizard;                // Owned by this control.
     qtplatform::DividerBar* DividerBar1;  // Owned by this control.
-    QWidget* m_WpfHost;                   // Owned by DividerBar1: the wizard's panel.
+    QWidget* m_WpfHost;                   // Owned by DividerBar1: holds the wizard's panel.
+    qtplatform::QtGrid* QGrid;            // Owned by DividerBar1.
     std::unique_ptr<IWizard> m_Wizard;
 
     QueryRef gQueryI;
