@@ -305,7 +305,7 @@ TEST_F(PipeSpecCompTest, MenuFollowsTheSelectionAndItsCommandsReloadOnlyWhatChan
     QFile written(csv);
     ASSERT_TRUE(written.open(QIODevice::ReadOnly));
     EXPECT_THAT(written.readAll().toStdString(),
-                HasSubstr("\r\n13100,13100,001,FL,\"Flansch, \"\"WN\"\"\",,,0\r\n71100,"));
+                HasSubstr("\r\n13100,13100,001,FL,\"Flansch, \"\"WN\"\"\",15,600,0\r\n71100,"));
     written.remove();
 
     // Delete: the cached entry goes either way; the list reloads only when a row went.
