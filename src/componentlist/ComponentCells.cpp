@@ -115,7 +115,14 @@ ObjectRef PipeSpecComp::cellObject(const ObjectRef& row, const QueryColumnRef& c
                 diagnostics::utilities().WriteLog("WARNING: " + cellObject->SystemFullName() + " is empty");
                 return;
             }
-            result = addtopipeclass::MapCDeviceToXXX(menuRoot, spec->LValue());
+            // The menu tree is keyed by function code. In PDMS mode the cell
+            // holds the generic type, a text: the row's own code finds its entry.
+            auto code = spec->LValue();
+            if (!text::NumberIn(code)) {
+                const auto own = row->Spec(diagnostics::names().GD().VFCD());
+                code = own ? own->ValueText() : std::string();
+            }
+            result = addtopipeclass::MapCDeviceToXXX(menuRoot, code);
         } else if (key == "PIDFunctionCodeVisible") {
             result = must(asSpec(cellObject)).StandardValue();
         }

@@ -22,6 +22,22 @@
 namespace pipespec::componentlist {
 
 namespace {
+// The stored query is a setting of the site, not the user's work: storing it
+// is no step that Edit → Undo would take back, and it is saved all the same.
+class OutsideUndo {
+public:
+    explicit OutsideUndo(IWorkset& workset) : workset_(workset), kept_(workset.CurrentUndoState())
+    {
+        workset_.SetCurrentUndoState(nullptr);
+    }
+    ~OutsideUndo() { workset_.SetCurrentUndoState(kept_); }
+    OutsideUndo(const OutsideUndo&) = delete;
+    OutsideUndo& operator=(const OutsideUndo&) = delete;
+
+private:
+    IWorkset& workset_;
+    UndoStateRef kept_;
+};
 
 constexpr std::string_view kQueryContainerNode = "TopQGridCDevices";
 
@@ -331,6 +347,7 @@ void PipeSpecComp::CreateContainer()
     handle("Private Sub 'CreateContainer'", [&] {
         if (must(target).BaseProject()) target = target->BaseProject();
         if ((target->AccessRights() & 1) == 0) return;
+        const OutsideUndo setting(*gWorkset);
         const auto& where = pdmsMode() ? kPdmsContainer : kPipeClassContainer;
         const auto names = splitPath(platform::PathResolver(gWorkset).Resolve(where.systemPath, where.fallbackPath));
         const auto switchToTarget = [&] {

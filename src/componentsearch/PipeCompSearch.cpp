@@ -122,11 +122,13 @@ PipeCompSearch::PipeCompSearch(QWidget* parent)
     CmbND->setEditable(true);
     CmbND->setInsertPolicy(QComboBox::NoInsert);
     for (auto* combo : {CmbFCode, CmbND}) {
-        combo->setMinimumContentsLength(24);
+        combo->setMinimumContentsLength(16);
         combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     }
     LabFCode->setBuddy(CmbFCode);
     LabND->setBuddy(CmbND);
+    // The toolbar keeps room for both buttons; the lists give way first.
+    TBar->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
     auto* row = new QHBoxLayout;
     row->addWidget(LabFCode);
     row->addWidget(CmbFCode);

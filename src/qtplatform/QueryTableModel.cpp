@@ -77,7 +77,9 @@ int QueryTableModel::rowOf(const ObjectRef& object) const
 bool QueryTableModel::isCheckBox(const QModelIndex& index) const
 {
     const auto& shown = column(index.column());
-    if (!shown || shown->ExtendedKind() == extendedkind::None || !rowObject(index.row())) return false;
+    // Only a check-box column draws its two states as a box; other extended
+    // columns show their object or value whatever items their server offers.
+    if (!shown || shown->ExtendedKind() != extendedkind::CheckBox || !rowObject(index.row())) return false;
     return query_->CellItemsKind(index.row() + 1, shown) == cellitems::TwoState;
 }
 

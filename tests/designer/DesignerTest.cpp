@@ -84,6 +84,11 @@ TEST_F(DesignerTest, AnEditIsOneUndoStepAndMarksTheTitle)
 {
     const auto pipeClass = byPath("PLANT:@20|PIPECLASSES|PC-A1-DIN");
     ASSERT_TRUE(window.reveal(pipeClass));
+    // The first showing of a class stores the list's standard query: a
+    // change to save, but no step of the user's.
+    EXPECT_TRUE(window.isWindowModified());
+    EXPECT_EQ(window.document()->undoState()->undoSteps(), 0u);
+    ASSERT_TRUE(window.save());
     EXPECT_FALSE(window.isWindowModified());
 
     // Typed into the value cell: the write gate's one step.
