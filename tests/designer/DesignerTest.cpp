@@ -2,14 +2,17 @@
 // offscreen as a user drives it: what the explorer, the properties, the undo
 // state, the title and the menus show afterwards.
 
+#include "componentlist/PipeSpecComp.h"
 #include "designer/DesignerWindow.h"
 #include "designer/PipeClassPages.h"
 #include "designer/PropertiesPanel.h"
 #include "elements/AddToPipeClass.h"
 #include "qtplatform/ObjectTreeView.h"
+#include "qtplatform/QtGrid.h"
 #include "support/TempDirectory.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QSettings>
@@ -169,6 +172,38 @@ TEST_F(DesignerTest, DeleteAndRenameFollowInTheExplorer)
     EXPECT_EQ(window.document()->undoState()->undoSteps(), 1u) << "the rename is left";
     EXPECT_TRUE(window.reveal(pipeClass));
     EXPECT_EQ(classes, pipeClass->Owner());
+}
+
+TEST_F(DesignerTest, TheComponentPageTakesPastedComponentsAsOneStepAndExplainsAClassItCannotShow)
+{
+    const auto pipeClass = byPath("PLANT:@20|PIPECLASSES|PC-A1-DIN");
+    const auto elements = [&] { return pipeClass->Devices()->Count(); };
+    ASSERT_TRUE(window.reveal(byPath("BASE:@40|CAT|FLANGES|FL-WN-PN16")));
+    window.explorer().setFocus();
+    QTest::keyClick(&window.explorer(), Qt::Key_C, Qt::ControlModifier);
+    ASSERT_EQ(workset().ClipboardObjects()->Count(), 1);
+    ASSERT_TRUE(window.reveal(pipeClass));
+    ASSERT_TRUE(window.pages().showPage("components"));
+    auto* list = dynamic_cast<componentlist::PipeSpecComp*>(window.pages().currentControl());
+    ASSERT_TRUE(list);
+
+    const auto before = elements();
+    const auto steps = window.document()->undoState()->undoSteps();
+    QTest::keyClick(&window, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(elements(), before + 1);
+    EXPECT_EQ(window.document()->undoState()->undoSteps(), steps + 1);
+    EXPECT_EQ(list->grid().SelectedObjects()->Count(), 1) << "the new row is selected";
+    QTest::keyClick(&window, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(elements(), before);
+
+    // Without a diameter list the page says what the class lacks.
+    pipeClass->Spec("NR.DNLIST")->Delete();
+    ASSERT_TRUE(window.showPipeClass("PC-B2-E3D"));
+    ASSERT_TRUE(window.reveal(pipeClass));
+    EXPECT_EQ(window.pages().currentControl(), nullptr);
+    QStringList said;
+    for (const auto* label : window.pages().currentWidget()->findChildren<QLabel*>()) said << label->text();
+    EXPECT_THAT(said.join(' ').toStdString(), ::testing::HasSubstr("needs the chapter NR"));
 }
 
 TEST_F(DesignerTest, LanguageSwitchesTheMenus)
