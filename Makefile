@@ -22,7 +22,7 @@ run: build
 	@if [ -z "$$DISPLAY" ] && [ -z "$$WAYLAND_DISPLAY" ]; then \
 	  echo "No display (DISPLAY and WAYLAND_DISPLAY are unset), so the designer window cannot open."; \
 	  echo "  The command line instead:  $(BUILD)/bin/pipespec --help   e.g. $(BUILD)/bin/pipespec validate --class PC-A1-DIN"; \
-	  echo "  A screenshot instead:      $(DESIGNER) --screenshot designer.png --class PC-A1-DIN --page PipeSpecSelector --lang en"; \
+	  echo "  A screenshot instead:      $(DESIGNER) --screenshot designer.png --class PC-A1-DIN --page components --add FL-WN-PN16,TE-EQ --lang en"; \
 	else \
 	  $(DESIGNER); \
 	fi
