@@ -193,7 +193,9 @@ inline std::shared_ptr<platform::StandardTable> table(std::shared_ptr<platform::
     std::size_t from = 0;
     while (from <= path.size()) {
         const auto bar = std::min(path.find('|', from), path.size());
-        owner = owner->createChild(path.substr(from, bar - from));
+        const auto part = path.substr(from, bar - from);
+        auto next = std::dynamic_pointer_cast<platform::StandardTable>(owner->Children()->Item(part));
+        owner = next ? next : owner->createChild(part);
         from = bar + 1;
     }
     return owner;
@@ -237,11 +239,12 @@ struct LargeClass : Projects {
         const auto elements = pipeClass->OwnElements();
         for (int i = 0; i < count; ++i) {
             const auto element = asDevice(elements->CreateNewWithName(numbered("", i + 1)));
-            element->SetCDevice(flange);
             element->SetDescription("Flange " + std::to_string(i));
+            // Its own chapters first: once it has a base, GD is the base's until stored.
             attribute(element, "GD", "VFCD", std::to_string(10100 + i % 900));
             attribute(element, "NR", "DNFROM", "15");
             attribute(element, "NR", "DNTO", "600");
+            element->SetCDevice(flange);
         }
     }
 };

@@ -4,7 +4,6 @@
 // selecting the new rows), on a class without and with the PDMS chapter.
 
 #include "BenchSupport.h"
-#include "WidgetSupport.h"
 #include "componentlist/PipeSpecComp.h"
 #include "diagnostics/HeadlessHost.h"
 #include "qtplatform/QtGrid.h"
@@ -24,7 +23,6 @@ constexpr int kDropped = 1'000;
 
 void BM_ComponentListPipeClass50k(benchmark::State& state)
 {
-    bench::needApplication();
     const diagnostics::ScopedHeadlessHost host(bench::shippedNames());
     host.tools().setTraceEnabled(false);
     const bench::LargeClass large(kElements);
@@ -45,7 +43,6 @@ BENCHMARK(BM_ComponentListPipeClass50k)->Unit(benchmark::kMillisecond);
 template <class Catalogue>
 void dropOnList(benchmark::State& state)
 {
-    bench::needApplication();
     const diagnostics::ScopedHeadlessHost host(bench::shippedNames());
     host.tools().setTraceEnabled(false);
     host.utilities().setYesNoDefault(mb::AnswerYes);

@@ -3,7 +3,6 @@
 // what it found and the grid's refresh.
 
 #include "BenchSupport.h"
-#include "WidgetSupport.h"
 #include "componentsearch/PipeCompSearch.h"
 #include "diagnostics/HeadlessHost.h"
 #include "qtplatform/QtGrid.h"
@@ -18,7 +17,6 @@ namespace {
 
 void BM_ComponentSearch50k(benchmark::State& state)
 {
-    bench::needApplication();
     const diagnostics::ScopedHeadlessHost host(bench::shippedNames());
     host.tools().setTraceEnabled(false);
     const bench::LargeClass large(50'000);

@@ -4,6 +4,8 @@
 
 #include "BenchSupport.h"
 
+#include <QApplication>
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -250,6 +252,12 @@ int main(int argc, char** argv)
         arguments.push_back(repetitions.data());
     int count = static_cast<int>(arguments.size());
     arguments.push_back(nullptr);
+
+    // The widgets' benchmarks need an application, offscreen: no window opens
+    // on anyone's desktop. It lives until the benchmarks are done.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    int qtCount = 1;
+    const QApplication application(qtCount, argv);
 
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;

@@ -3,7 +3,6 @@
 // paint asks of the model and reads from the query, against the cells the
 // screen shows: the model reads visible cells only.
 
-#include "WidgetSupport.h"
 #include "platform/store/Database.h"
 #include "platform/store/ObjectFactory.h"
 #include "qtplatform/QtGrid.h"
@@ -20,7 +19,6 @@
 namespace {
 
 using namespace pipespec;
-using bench::needApplication;
 
 constexpr int kRows = 50'000;
 
@@ -102,7 +100,6 @@ struct Screen {
 
 void BM_QtGridShowQuery50k(benchmark::State& state)
 {
-    needApplication();
     Screen screen;
     for (auto _ : state) {
         screen.grid.SetQuery(elements().query);
@@ -114,7 +111,6 @@ BENCHMARK(BM_QtGridShowQuery50k)->Unit(benchmark::kMillisecond);
 
 void BM_QtGridScrollOneScreen50k(benchmark::State& state)
 {
-    needApplication();
     Screen screen;
     screen.grid.SetQuery(elements().query);
     QCoreApplication::processEvents();

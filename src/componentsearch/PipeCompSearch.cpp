@@ -63,7 +63,8 @@ void addValue(QComboBox& combo, IWorkset& workset, const ObjectRef& item)
 {
     const auto value = std::dynamic_pointer_cast<IStandardValue>(item);
     if (!value) return;
-    addEntry(combo, "K" + value->Name(), value->Description(), workset.ParseNumber(value->Value()));
+    // Appended, not added: GCC 12 warns falsely about "K" + name at -O3.
+    addEntry(combo, std::string("K").append(value->Name()), value->Description(), workset.ParseNumber(value->Value()));
 }
 
 // The table's values in the order of their descriptions, compared as byte
