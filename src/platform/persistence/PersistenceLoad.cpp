@@ -203,6 +203,9 @@ private:
         // What no level reached hangs in, or below, a circle of owners.
         const auto lost =
             std::find_if(placements_.begin(), placements_.end(), [](const Placement& p) { return !p.object->owner(); });
+        // Every object has an owner, yet the levels did not count them all: an
+        // object stands in more than one place.
+        if (lost == placements_.end()) damaged("its objects' owners do not form a tree");
         damaged("object " + std::to_string(lost->id) + " (" + lost->object->Name() +
                 ") does not lead up to a root: its owners go round in a circle");
     }
