@@ -47,12 +47,8 @@ BENCHMARK(BM_WizardOffersSampleCatalogue)->Unit(benchmark::kMillisecond);
 void BM_WizardSolveTemplateSample(benchmark::State& state)
 {
     const Sample sample;
+    // The sample's structure class holds one placeholder: elbows DN 15 to DN 300.
     const auto pipeClass = sample.pipeClass("PC-S3-STRUCT");
-    const auto placeholder = asDevice(pipeClass->OwnElements()->CreateNewWithName("S01"));
-    must(std::dynamic_pointer_cast<platform::Device>(placeholder)).setCreateOption(1);
-    const auto general = asSpec(placeholder->SpecsByName()->CreateNewWithName("GD"));
-    asSpec(general->OwnSpecifications()->CreateNewWithName("VFCD"))->SetValue("10200");
-    asSpec(general->OwnSpecifications()->CreateNewWithName("DNRANGE"))->SetValue("DN15-DN300");
     const auto workset = sample.loaded.database->workset();
     const auto undo = workset->NewUndoState();
     workset->SetCurrentUndoState(undo);
