@@ -59,6 +59,9 @@ PipeClassPages::PipeClassPages(QWidget* parent) : QTabWidget(parent)
         page.stack->addWidget(notice(page));
         addTab(page.stack, qtplatform::pictureOfKind(page.picture), {});
     }
+    connect(this, &QTabWidget::currentChanged, this, [this](int at) {
+        if (pipeClass_) chosen_ = at;
+    });
     retranslate();
     setPipeClass(nullptr);
 }
@@ -120,6 +123,8 @@ void PipeClassPages::setPipeClass(const DeviceRef& pipeClass)
 {
     pipeClass_ = pipeClass;
     for (int at = 0; at < count(); ++at) setTabEnabled(at, pipeClass_ != nullptr);
+    // Disabling the tabs moved the current one along; the user's choice comes back.
+    if (pipeClass_) setCurrentIndex(chosen_);
     for (auto& page : pages_) offer(page);
     showNotices();
 }

@@ -71,6 +71,7 @@ private:
 
     std::vector<Page> pages_;
     DeviceRef pipeClass_;
+    int chosen_ = 0;  // the page the user last chose while a class was shown
     UndoStateRef undoState_;
     QDomDocument pipeSpecXml_;  // shared by the controls, never read here
 };

@@ -7,6 +7,7 @@
 #include "designer/PipeClassPages.h"
 #include "designer/PropertiesPanel.h"
 #include "elements/AddToPipeClass.h"
+#include "platform/query/PopUpMenu.h"
 #include "qtplatform/ObjectTreeView.h"
 #include "qtplatform/QtGrid.h"
 #include "support/TempDirectory.h"
@@ -204,6 +205,22 @@ TEST_F(DesignerTest, TheComponentPageTakesPastedComponentsAsOneStepAndExplainsAC
     QStringList said;
     for (const auto* label : window.pages().currentWidget()->findChildren<QLabel*>()) said << label->text();
     EXPECT_THAT(said.join(' ').toStdString(), ::testing::HasSubstr("needs the chapter NR"));
+}
+
+TEST_F(DesignerTest, ThePlaceholderOfTheStructureClassIsSolvedFromTheListMenu)
+{
+    const auto pipeClass = byPath("PLANT:@20|PIPECLASSES|PC-S3-STRUCT");
+    ASSERT_TRUE(window.reveal(pipeClass));
+    ASSERT_TRUE(window.pages().showPage("components"));
+    auto* list = dynamic_cast<componentlist::PipeSpecComp*>(window.pages().currentControl());
+    ASSERT_TRUE(list);
+    list->grid().selectRow(0);
+    const auto menu = std::make_shared<platform::PopUpMenu>();
+    list->gridEvents()->PopUp(menu);
+    ASSERT_TRUE(menu->find("Solve|SolveCDevice")) << "a placeholder the element check refuses offers solving";
+    list->gridEvents()->PopUpCmd(menu, "Solve|SolveCDevice");
+    EXPECT_GT(pipeClass->Devices()->Count(), 1);
+    EXPECT_EQ(list->grid().tableModel().rowCount(), pipeClass->Devices()->Count()) << "the list shows what was made";
 }
 
 TEST_F(DesignerTest, LanguageSwitchesTheMenus)
