@@ -16,6 +16,7 @@
 #include <QString>
 
 #include <memory>
+#include <utility>
 
 class QWidget;
 
@@ -40,8 +41,12 @@ public:
     // "de" is the literals' own language; any other is a shipped table.
     void setLanguage(const std::string& language);
     const std::string& language() const { return utilities_->language(); }
-    // The window message boxes and forms belong to; none: boxes are answered unseen.
-    void setWindow(QWidget* window) { utilities_->setMainWindow(window); }
+    // The window message boxes and forms belong to, and where it shows an
+    // object's properties; none: boxes are answered unseen.
+    void setWindow(QWidget* window, qtplatform::PropertiesViewer viewer = {})
+    {
+        utilities_->setMainWindow(window, std::move(viewer));
+    }
 
 signals:
     void message(const pipespec::designer::HostMessage& message);

@@ -155,11 +155,8 @@ void DesignerWindow::makeActions()
         explorerAction->setShortcutContext(Qt::WidgetWithChildrenShortcut);
         explorer_->addAction(explorerAction);
     }
-    showProperties_ = action(QKeySequence::UnknownKey, QStyle::SP_FileDialogInfoView, [this] {
-        propertiesDock_->show();
-        propertiesDock_->raise();
-        properties_->attributes().setFocus();
-    });
+    showProperties_ =
+        action(QKeySequence::UnknownKey, QStyle::SP_FileDialogInfoView, [this] { showProperties(nullptr); });
     showProperties_->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Return));
 
     auto* languages = new QActionGroup(this);
@@ -468,6 +465,14 @@ bool DesignerWindow::search(const QString& criteria)
     if (!search || parts.size() != 2) return false;
     if (!search->autoFind().isChecked()) search->autoFind().trigger();
     return search->pick(parts[0].toDouble(), parts[1].toDouble());
+}
+
+void DesignerWindow::showProperties(const ObjectRef& object)
+{
+    if (object) reveal(object);
+    propertiesDock_->show();
+    propertiesDock_->raise();
+    properties_->attributes().setFocus();
 }
 
 bool DesignerWindow::reveal(const ObjectRef& object)

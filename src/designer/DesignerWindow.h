@@ -62,6 +62,9 @@ public:
     bool showPipeClass(const QString& name);
     // Reveals and selects the object in the explorer.
     bool reveal(const ObjectRef& object);
+    // The properties dock, shown and raised, on that object (the current one
+    // when none is given).
+    void showProperties(const ObjectRef& object);
     // Drops the catalogue components of those names on the component list of
     // the class on show, as a user drags them ("--add"). False when a name is
     // no catalogue component or the list does not serve the class.

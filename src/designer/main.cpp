@@ -112,7 +112,7 @@ int main(int argc, char* argv[])
     if (!window.open(file)) return kDatabase;
     if (options.isSet("screenshot")) return screenshot(window, options);
 
-    host.setWindow(&window);
+    host.setWindow(&window, [&window](const pipespec::ObjectRef& object) { window.showProperties(object); });
     const QSettings settings;
     window.restoreGeometry(settings.value("geometry").toByteArray());
     window.restoreState(settings.value("windowState").toByteArray());

@@ -194,6 +194,10 @@ TEST_F(DesignerTest, TheComponentPageTakesPastedComponentsAsOneStepAndExplainsAC
     EXPECT_EQ(elements(), before + 1);
     EXPECT_EQ(window.document()->undoState()->undoSteps(), steps + 1);
     EXPECT_EQ(list->grid().SelectedObjects()->Count(), 1) << "the new row is selected";
+    // The list's properties command shows the element where the window keeps properties.
+    const auto made = list->grid().SelectedObjects()->Item(1);
+    window.showProperties(made);
+    EXPECT_EQ(window.properties().object(), made);
     QTest::keyClick(&window, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(elements(), before);
 
