@@ -4,6 +4,7 @@
 // filter and column commands re-evaluate).
 
 #include "componentlist/PipeSpecComp.h"
+#include "frame/QueryColumns.h"
 
 #include "diagnostics/Messages.h"
 #include "diagnostics/ServiceRegistry.h"
@@ -68,24 +69,9 @@ std::vector<std::string> splitPath(const std::string& path)
     return names;
 }
 
-// A column the query engine resolves from the row object, not extended.
-QueryColumnRef addColumn(IQueryColumns& columns, std::string_view key, std::string_view title, int valueKind, int width,
-                         bool editable)
-{
-    auto column = columns.Add(key, -1);
-    column->SetTitle(translated(title));
-    column->SetValueKind(valueKind);
-    column->SetWidth(width);
-    column->SetEditable(editable);
-    return column;
-}
-
 void addRangeColumn(IQueryColumns& columns, std::string_view key, std::string_view title, const std::string& attribute)
 {
-    const auto column = addColumn(columns, key, title, valuekind::DisplayValue, 2, true);
-    column->Source()->Set(sourcekind::Attribute, attribute);
-    column->SetNumeric(true);
-    column->SetNumericMode(1);
+    frame::showRangeBound(*frame::appendColumn(columns, key, title, valuekind::DisplayValue, 2, true), attribute);
 }
 
 // The container in the system project, where the database has one, else on
@@ -117,7 +103,7 @@ QueryRef PipeSpecComp::QueryCreate(QueryRef query)
     step([&] {
         auto code = columns->Item("FunctionCode");
         if (!code) {
-            code = addColumn(*columns, "FunctionCode", msg::FunctionCode, valuekind::Value, 3, false);
+            code = frame::appendColumn(*columns, "FunctionCode", msg::FunctionCode, valuekind::Value, 3, false);
             code->Source()->Set(sourcekind::Attribute, pdms ? names.Pipe().VSTD() : names.GD().VFCD());
         }
         if (pdms) {
@@ -130,7 +116,7 @@ QueryRef PipeSpecComp::QueryCreate(QueryRef query)
         step([&] {
             auto group = columns->Item("GroupColumn");
             if (!group) {
-                group = addColumn(*columns, "GroupColumn", msg::PipePartType, valuekind::None, 3, false);
+                group = frame::appendColumn(*columns, "GroupColumn", msg::PipePartType, valuekind::None, 3, false);
                 group->SetBaseColumn(columns->Item("FunctionCode"));
                 group->SetExtendedKind(extendedkind::Object);
                 registerCells(query);
@@ -139,22 +125,22 @@ QueryRef PipeSpecComp::QueryCreate(QueryRef query)
         });
     step([&] {
         if (columns->Item("FunctionCodeDesc")) return;
-        addColumn(*columns, "FunctionCodeDesc", msg::Function, valuekind::DisplayValue, 7, false)
+        frame::appendColumn(*columns, "FunctionCodeDesc", msg::Function, valuekind::DisplayValue, 7, false)
             ->SetBaseColumn(columns->Item("FunctionCode"));
     });
     step([&] {
         if (!columns->Item("Name"))
-            addColumn(*columns, "Name", msg::Name, valuekind::Name, 4, true)->SetObjectColumn(true);
+            frame::appendColumn(*columns, "Name", msg::Name, valuekind::Name, 4, true)->SetObjectColumn(true);
     });
     step([&] {
         if (!columns->Item("Component"))
-            addColumn(*columns, "Component", msg::PipePart, valuekind::Component, 7, false)
+            frame::appendColumn(*columns, "Component", msg::PipePart, valuekind::Component, 7, false)
                 ->Source()
                 ->Set(sourcekind::BaseObject, "");
     });
     step([&] {
         if (!columns->Item("Description"))
-            addColumn(*columns, "Description", msg::Description, valuekind::Description, 10, true);
+            frame::appendColumn(*columns, "Description", msg::Description, valuekind::Description, 10, true);
     });
     step([&] {
         if (!columns->Item("NameRangeLower"))
@@ -170,7 +156,7 @@ QueryRef PipeSpecComp::QueryCreate(QueryRef query)
     step([&] {
         auto branch = columns->Item("BranchComponents");
         if (!branch) {
-            branch = addColumn(*columns, "BranchComponents", msg::BranchComponents, valuekind::None, 2, true);
+            branch = frame::appendColumn(*columns, "BranchComponents", msg::BranchComponents, valuekind::None, 2, true);
             branch->SetExtendedKind(extendedkind::CheckBox);
             registerCells(query);
         }
@@ -216,7 +202,8 @@ void PipeSpecComp::CheckColumnPIDFunctionCode()
         const auto columns = gQueryI->Top()->Columns();
         auto column = columns->Item("PIDFunctionCodeVisible");
         if (!column && m_PIDColumnVisible) {
-            column = addColumn(*columns, "PIDFunctionCodeVisible", msg::PidFunctionCode, valuekind::None, 4, false);
+            column = frame::appendColumn(*columns, "PIDFunctionCodeVisible", msg::PidFunctionCode, valuekind::None, 4,
+                                         false);
             column->SetBaseColumn(columns->Item("FunctionCode"));
             column->SetExtendedKind(extendedkind::Object);
             registerCells(gQueryI);
@@ -234,7 +221,7 @@ void PipeSpecComp::CheckColumnErrorObjects()
         const auto columns = gQueryI->Top()->Columns();
         auto column = columns->Item("ErrorObjects");
         if (!column) {
-            column = addColumn(*columns, "ErrorObjects", "", valuekind::None, 0, false);
+            column = frame::appendColumn(*columns, "ErrorObjects", "", valuekind::None, 0, false);
             column->SetExtendedKind(extendedkind::Value);
             registerCells(gQueryI);
         }

@@ -3,6 +3,7 @@
 #include "diagnostics/ErrorTail.h"
 #include "diagnostics/Messages.h"
 #include "diagnostics/ServiceRegistry.h"
+#include "frame/QueryColumns.h"
 #include "objectmodel/QueryInterfaces.h"
 #include "platform/store/Database.h"
 #include "platform/store/ObjectFactory.h"
@@ -22,6 +23,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <tuple>
 #include <vector>
 
 namespace pipespec::componentsearch {
@@ -82,16 +84,6 @@ std::vector<int> SortByDescription(const IObjectCollection& values)
     return index;
 }
 
-void addColumn(IQueryColumns& columns, std::string_view key, std::string_view title, int valueKind, int width,
-               const std::function<void(IQueryColumn&)>& more)
-{
-    if (columns.Item(key)) return;
-    const auto column = columns.Add(key, -1);
-    column->SetTitle(diagnostics::utilities().Translate(title));
-    column->SetValueKind(valueKind);
-    column->SetWidth(width);
-    more(*column);
-}
 }  // namespace
 
 // The grid's events, as the control answers them; the grid holds it weakly.
@@ -302,24 +294,18 @@ QueryRef PipeCompSearch::QueryCreate()
         query = platform::createQuery(platform::kQueryKind);
         const auto& names = diagnostics::names();
         auto& columns = *query->Top()->Columns();
-        addColumn(columns, "PipeClass", msg::PipeClass, valuekind::Name, 4, [](IQueryColumn& column) {
-            column.Source()->Set(sourcekind::Owner, "");
-            column.SetEditable(false);
-            column.SetObjectColumn(true);
-        });
-        addColumn(columns, "Component", msg::Component, valuekind::Name, 7, [](IQueryColumn& column) {
-            column.Source()->Set(sourcekind::BaseObject, "");
-            column.SetEditable(false);
-            column.SetObjectColumn(true);
-        });
-        addColumn(columns, "Description", msg::Description, valuekind::Description, 15, [](IQueryColumn&) {});
+        for (const auto& [key, title, source, width] :
+             {std::tuple{"PipeClass", msg::PipeClass, sourcekind::Owner, 4},
+              std::tuple{"Component", msg::Component, sourcekind::BaseObject, 7}}) {
+            const auto column = frame::appendColumn(columns, key, title, valuekind::Name, width, false);
+            column->Source()->Set(source, "");
+            column->SetObjectColumn(true);
+        }
+        frame::appendColumn(columns, "Description", msg::Description, valuekind::Description, 15, false);
         const auto bound = [&](std::string_view key, std::string_view title, const std::string& attribute) {
-            addColumn(columns, key, title, valuekind::DisplayValue, 5, [&](IQueryColumn& column) {
-                column.Source()->Set(sourcekind::Attribute, attribute);
-                column.SetNumeric(true);
-                column.SetNumericMode(1);
-                column.SetGrouping(0);
-            });
+            const auto column = frame::appendColumn(columns, key, title, valuekind::DisplayValue, 5, false);
+            frame::showRangeBound(*column, attribute);
+            column->SetGrouping(0);
         };
         bound("NameRangeLower", msg::NominalDiameterFrom, names.Range().NameRangeLowerAttr());
         bound("NameRangeUpper", msg::NominalDiameterTo, names.Range().NameRangeUpperAttr());
